@@ -1,0 +1,40 @@
+# One interface target with the language level, the warnings and the hardening that everything of this project is built
+# with.
+set(KVN_SANITIZERS "" CACHE STRING "Value for -fsanitize=, empty for none")
+
+add_library(kvn_compiler_options INTERFACE)
+target_compile_features(kvn_compiler_options INTERFACE cxx_std_20)
+set(CMAKE_CXX_EXTENSIONS OFF)
+
+if(WIN32)
+    target_compile_definitions(kvn_compiler_options INTERFACE
+        UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0A00 WINVER=0x0A00)
+endif()
+
+if(MSVC)
+    set(CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
+    target_compile_options(kvn_compiler_options INTERFACE /W4 /WX /permissive- /utf-8 /Zc:__cplusplus /EHsc /guard:cf)
+    target_link_options(kvn_compiler_options INTERFACE /DYNAMICBASE /HIGHENTROPYVA /NXCOMPAT /guard:cf)
+    return()
+endif()
+
+target_compile_options(kvn_compiler_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast
+    -Wformat=2 -Wimplicit-fallthrough -Werror
+    -fstack-protector-strong
+    # No path of the machine that builds may stand in the program.
+    "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=")
+
+if(MINGW)
+    target_compile_options(kvn_compiler_options INTERFACE -ffunction-sections -fdata-sections)
+    target_link_options(kvn_compiler_options INTERFACE
+        -static -fstack-protector-strong
+        -Wl,--gc-sections,--dynamicbase,--high-entropy-va,--nxcompat,--no-insert-timestamp
+        $<$<CONFIG:Release>:-s>)
+endif()
+
+if(KVN_SANITIZERS)
+    target_compile_options(kvn_compiler_options INTERFACE
+        -fsanitize=${KVN_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(kvn_compiler_options INTERFACE -fsanitize=${KVN_SANITIZERS})
+endif()

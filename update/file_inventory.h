@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "update/manifest.h"
+
+namespace vorthmere::update {
+
+/// Largest file inventory, in bytes.
+inline constexpr std::size_t kMaxInventoryBytes = 393216;
+
+/// Largest sum of the sizes of a release's files, in bytes (2 GiB).
+inline constexpr std::uint64_t kMaxReleaseBytes = 2147483648;
+
+/// One file of a release.
+struct InventoryEntry {
+    std::string path;        ///< managed relative path, letter case as written
+    std::string sha256;      ///< digest of the content, 64 lower-case hexadecimal digits
+    std::uint64_t size = 0;  ///< bytes, may be 0
+
+    friend bool operator==(const InventoryEntry&, const InventoryEntry&) = default;
+};
+
+/// Parses a file inventory, format "KVN-FILES/1", and checks that it belongs to one release.
+///
+/// @param text     the file's bytes
+/// @param manifest the selected release, whose digest, release, protocol and version the header must repeat
+/// @param entries  emptied on entry; on success at most 1024 entries in the order of the lines, no path equal to or a
+///                 parent of another in any letter case, at most 2 GiB in sum; not to be used after a failure
+/// @param error    cleared on entry; on failure the sentence that names the first fault found
+/// @return true when the inventory is valid and its paths make a valid managed-file list
+[[nodiscard]] bool parseFileInventory(std::string_view text, const Manifest& manifest,
+                                      std::vector<InventoryEntry>& entries, std::string& error);
+
+}  // namespace vorthmere::update

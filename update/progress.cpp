@@ -1,0 +1,12 @@
+#include "update/progress.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace vorthmere::update {
+
+void reportProgress(const ProgressCallback& progress, std::wstring text, std::uint32_t percent) {
+    if (progress) progress(std::move(text), std::min<std::uint32_t>(percent, 100));
+}
+
+}  // namespace vorthmere::update

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace vorthmere::update {
+
+/// Receives a status text and a percentage; may be empty.
+using ProgressCallback = std::function<void(std::wstring text, std::uint32_t percent)>;
+
+/// Receives the bytes of one download so far and the bytes expected (0 = unknown); may be empty.
+using ByteProgressCallback = std::function<void(std::uint64_t received, std::uint64_t expected)>;
+
+/// Hands `text` and `percent`, capped at 100, to `progress`; does nothing when that is empty.
+void reportProgress(const ProgressCallback& progress, std::wstring text, std::uint32_t percent);
+
+}  // namespace vorthmere::update

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string_view>
+
+namespace vorthmere::update {
+
+/// Where the release channel lives: set by the build as KVN_DOWNLOAD_BASE_URL and fixed in the program, so that nothing
+/// outside it can point an installation elsewhere.
+inline constexpr std::string_view kDownloadBaseUrl = KVN_DOWNLOAD_BASE_URL;
+
+static_assert(kDownloadBaseUrl.starts_with("https://"), "The release channel is served over HTTPS only.");
+static_assert(kDownloadBaseUrl.ends_with("/downloads/"), "The release channel's address ends in /downloads/.");
+
+/// The release manifest's name below the base.
+inline constexpr std::string_view kManifestName = "KVN-alpha.manifest";
+
+/// Every package's name begins with this; the manifest's `url` must begin with the base followed by it.
+inline constexpr std::string_view kPackageNamePrefix = "KVN-";
+
+/// Every package's name ends with this.
+inline constexpr std::string_view kPackageNameSuffix = ".zip";
+
+/// Appended to a package's address, this names the package's file inventory.
+inline constexpr std::string_view kInventorySuffix = ".files";
+
+/// An update object is named by the SHA-256 of its content between these two.
+inline constexpr std::string_view kObjectNamePrefix = "KVN-file-";
+inline constexpr std::string_view kObjectNameSuffix = ".bin";
+
+/// Files that every release must hold at its top level.
+inline constexpr std::string_view kManagedFileListName = "KVN_MANAGED_FILES.txt";
+inline constexpr std::string_view kGameExecutableName = "Vorthmere.exe";
+inline constexpr std::string_view kUpdaterExecutableName = "KVNUpdater.exe";
+inline constexpr std::string_view kReleaseMarkerName = "kvn_release.txt";
+
+/// The updater's own folder inside the installation; no managed path may name it.
+inline constexpr std::string_view kWorkFolderName = ".kvn-update";
+
+}  // namespace vorthmere::update
