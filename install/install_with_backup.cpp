@@ -1,0 +1,99 @@
+#include "install/install_with_backup.h"
+
+#include <ranges>
+#include <set>
+#include <string_view>
+#include <system_error>
+
+#include "platform/file_operations.h"
+#include "platform/file_status.h"
+
+namespace vorthmere::update {
+namespace {
+
+using Paths = std::vector<std::string>;
+
+/// One installation: the folders, and what was moved so far.
+struct Installation {
+    const std::filesystem::path& folder;
+    const std::filesystem::path& source;
+    const std::filesystem::path& backup;
+    Paths backedUp;
+    Paths installed;
+};
+
+bool moveFile(const std::filesystem::path& from, const std::filesystem::path& to, std::string_view path) {
+    std::error_code failure;
+    renameFile(from / path, to / path, failure);
+    return !failure;
+}
+
+bool createParent(const std::filesystem::path& folder, std::string_view path) {
+    std::error_code failure;
+    createFolders((folder / path).parent_path(), failure);
+    return !failure;
+}
+
+bool vacate(Installation& installation, const Paths& pathsToVacate, const Paths& pathsToInstall, std::wstring& error) {
+    const auto fail = [&error](std::wstring_view sentence) {
+        error = sentence;
+        return false;
+    };
+    std::set<std::string_view> affected(pathsToVacate.begin(), pathsToVacate.end());
+    affected.insert(pathsToInstall.begin(), pathsToInstall.end());
+
+    for (const std::string_view path : affected) {
+        if (!isFreeOfReparsePoints(installation.folder, path))
+            return fail(L"The installation contains a reparse point in a managed path.");
+        const std::filesystem::path installed = installation.folder / path;
+        if (fileTypeOrThrow(installed, "exists") == FileType::notFound) continue;
+        if (fileTypeOrThrow(installed, "status") != FileType::regular)
+            return fail(L"A managed installation path is not a regular file.");
+        if (!createParent(installation.backup, path)) return fail(L"Unable to prepare the update backup.");
+        if (!moveFile(installation.folder, installation.backup, path))
+            return fail(L"Unable to back up the current installation.");
+        installation.backedUp.emplace_back(path);
+    }
+    return true;
+}
+
+bool moveIn(Installation& installation, const Paths& pathsToInstall, std::wstring& error) {
+    for (const std::string& path : pathsToInstall) {
+        if (!createParent(installation.folder, path)) {
+            error = L"Unable to prepare an updated installation folder.";
+            return false;
+        }
+        if (!moveFile(installation.source, installation.folder, path)) {
+            error = L"Unable to install an updated game file.";
+            return false;
+        }
+        installation.installed.push_back(path);
+    }
+    return true;
+}
+
+// The reverse order removes a file before the one that it replaced returns. Going on behind a failure saves what can be
+// saved; the failure that led here is the one worth reporting.
+void rollBack(const Installation& installation) {
+    std::error_code ignored;
+    for (const std::string& path : installation.installed | std::views::reverse)
+        removeFile(installation.folder / path, ignored);
+    for (const std::string& path : installation.backedUp | std::views::reverse) {
+        createParent(installation.folder, path);
+        moveFile(installation.backup, installation.folder, path);
+    }
+}
+
+}  // namespace
+
+bool installWithBackup(const std::filesystem::path& installationFolder, const std::filesystem::path& sourceFolder,
+                       const std::filesystem::path& backupFolder, const std::vector<std::string>& pathsToVacate,
+                       const std::vector<std::string>& pathsToInstall, std::wstring& error) {
+    Installation installation{installationFolder, sourceFolder, backupFolder, {}, {}};
+    if (vacate(installation, pathsToVacate, pathsToInstall, error) && moveIn(installation, pathsToInstall, error))
+        return true;
+    rollBack(installation);
+    return false;
+}
+
+}  // namespace vorthmere::update

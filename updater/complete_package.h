@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "update/arguments.h"
+#include "update/manifest.h"
+#include "update/progress.h"
+#include "updater/update_run.h"
+#include "updater/work_folder.h"
+
+namespace vorthmere::update {
+
+/// Fills the empty staging folder from the complete package: fetched or copied, checked by size and SHA-256, listed and
+/// checked before anything is unpacked, unpacked with the system's archive tool. Writes the transfer report.
+///
+/// @param error    receives the sentence of a failure
+/// @param progress receives 12 % to 81 %; may be empty
+/// @return RunResult::done, or the failing step's code from downloadFailed to unpackingFailed
+[[nodiscard]] RunResult stageCompletePackage(const Arguments& arguments, const Manifest& manifest,
+                                             const WorkFolder& work, std::wstring& error,
+                                             const ProgressCallback& progress);
+
+}  // namespace vorthmere::update
