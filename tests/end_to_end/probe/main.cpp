@@ -1,0 +1,30 @@
+#include <array>
+#include <cstdio>
+#include <string_view>
+#include <vector>
+
+#include "tests/end_to_end/probe/subcommands.h"
+
+namespace {
+
+using namespace vorthmere::probe;
+
+struct Subcommand {
+    std::wstring_view name;
+    int (*run)(Arguments arguments);
+};
+
+constexpr std::array kSubcommands = {
+    Subcommand{L"lock", lock},
+    Subcommand{L"run", run},
+};
+
+}  // namespace
+
+int wmain(int argc, wchar_t* argv[]) {
+    const std::vector<std::wstring> arguments(argv + (argc < 2 ? argc : 2), argv + argc);
+    for (const Subcommand& subcommand : kSubcommands)
+        if (argc > 1 && subcommand.name == argv[1]) return subcommand.run(arguments);
+    std::fputs("usage: kvn_probe SUBCOMMAND [ARGUMENT...]\n", stderr);
+    return kUsageError;
+}

@@ -1,0 +1,116 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/end_to_end/support/child_process.h"
+#include "tests/end_to_end/support/scenario.h"
+
+namespace vorthmere::end_to_end {
+
+/// The updater's command line. What is left empty is not given.
+struct UpdaterCommand {
+    std::string install;
+    std::string current = "41";
+    std::string parent;
+    std::string manifestFile;
+    std::string packageFile;
+    std::string inventoryFile;
+    std::string objectDirectory;
+    bool relaunch = false;  ///< else --no-relaunch
+    bool window = false;    ///< else --test-no-ui
+
+    [[nodiscard]] std::vector<std::string> arguments() const;
+};
+
+/// How a test wants the updater to obtain the release.
+enum class Source {
+    incremental,      ///< all from local files
+    completePackage,  ///< the same without inventory and objects
+    channel,          ///< no local files: from the release channel
+};
+
+/// The base of every end-to-end test: a scenario, and a run of the real updater on it.
+///
+/// Before each start of the updater the player's files and everything outside the installation are recorded, and at the
+/// end of each run and of the test they must be the same. A test that never started the updater fails.
+class EndToEndTest : public testing::Test {
+protected:
+    explicit EndToEndTest(const std::string& installationName = "Kelvane game");
+    ~EndToEndTest() override;
+
+    void TearDown() override;
+
+    /// The command line for this test's installation and release.
+    [[nodiscard]] UpdaterCommand command(Source source) const;
+
+    /// Runs the updater that lies in the installation to its end.
+    ///
+    /// @return its exit code; a run over the time limit is killed and fails the test
+    int runUpdater(const UpdaterCommand& command);
+    int runUpdater(Source source) {
+        return runUpdater(command(source));
+    }
+
+    /// Starts the updater; the caller waits for it or kills it, and calls finishRun() then.
+    [[nodiscard]] ChildProcess startUpdater(const std::vector<std::string>& arguments);
+    [[nodiscard]] ChildProcess startUpdater(const UpdaterCommand& updaterCommand) {
+        return startUpdater(updaterCommand.arguments());
+    }
+
+    /// Compares what no run may touch with what it was before the start.
+    void finishRun();
+
+    /// Runs this program instead of the installation's own KVNUpdater.exe.
+    void useUpdater(std::filesystem::path program) {
+        updater_ = std::move(program);
+    }
+
+    /// The folder in which the updater is started; relative paths on its command line start here.
+    void setCurrentFolder(std::filesystem::path folder) {
+        currentFolder_ = std::move(folder);
+    }
+
+    void expectRelease41() const;
+    void expectRelease42() const;
+    void expectInstalled(const ReleaseFiles& files) const;
+
+    /// Expects that nothing in the installation outside the work folder differs; folders that have become empty or are
+    /// new do not count.
+    void expectInstallation(const TreeSnapshot& before) const;
+
+    /// The transfer report, or "" when there is none.
+    [[nodiscard]] std::string transferReport() const;
+
+    /// The names in the work folder, in order.
+    [[nodiscard]] std::vector<std::string> workFolderContent() const;
+
+    /// How long the last run took.
+    [[nodiscard]] Milliseconds lastDuration() const {
+        return lastDuration_;
+    }
+
+    Scenario scenario;
+
+private:
+    std::filesystem::path updater_;
+    std::filesystem::path currentFolder_;
+    std::optional<TreeSnapshot> protectedBefore_;
+    Milliseconds lastDuration_{0};
+};
+
+/// Holds files of the installation open without sharing, as a running program or a virus scanner would.
+class FileLock {
+public:
+    explicit FileLock(const std::vector<std::filesystem::path>& files);
+
+private:
+    ChildProcess probe_;
+};
+
+}  // namespace vorthmere::end_to_end

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace vorthmere::end_to_end {
+
+/// The Windows programs that the tests use. All throw a sentence that says what to build when one is missing.
+[[nodiscard]] std::filesystem::path updaterProgram();
+[[nodiscard]] std::filesystem::path gameProgram();
+[[nodiscard]] std::filesystem::path probeProgram();
+
+/// A command for ChildProcess that runs a Windows program under Wine.
+[[nodiscard]] std::vector<std::string> wineCommand(const std::filesystem::path& program,
+                                                   const std::vector<std::string>& arguments);
+
+}  // namespace vorthmere::end_to_end

@@ -1,0 +1,23 @@
+#include "tests/end_to_end/support/release_files.h"
+
+#include "tests/end_to_end/support/files.h"
+#include "tests/end_to_end/support/release_texts.h"
+#include "update/release_channel.h"
+
+namespace vorthmere::end_to_end {
+
+ReleaseFiles withReleaseMetadata(ReleaseFiles files, std::uint32_t release) {
+    files[std::string(update::kReleaseMarkerName)] = {"release=" + std::to_string(release) + "\n"};
+    std::string& list = files[std::string(update::kManagedFileListName)].content;
+    list = renderManagedFileList(files);
+    return files;
+}
+
+void layOut(const ReleaseFiles& files, const std::filesystem::path& folder) {
+    for (const auto& [path, file] : files) {
+        writeFile(folder / path, file.content);
+        if (file.readOnly) setReadOnly(folder / path);
+    }
+}
+
+}  // namespace vorthmere::end_to_end

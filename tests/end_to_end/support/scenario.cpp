@@ -1,0 +1,100 @@
+#include "tests/end_to_end/support/scenario.h"
+
+#include <cstdlib>
+#include <system_error>
+
+#include "tests/end_to_end/support/digest.h"
+#include "tests/end_to_end/support/files.h"
+#include "tests/end_to_end/support/sample_release.h"
+#include "update/release_channel.h"
+
+namespace vorthmere::end_to_end {
+namespace fs = std::filesystem;
+namespace {
+
+fs::path makeTemporaryFolder() {
+    std::string name = (fs::temp_directory_path() / "kvn end to end XXXXXX").string();
+    if (!mkdtemp(name.data())) throw std::system_error(errno, std::generic_category(), name);
+    return name;
+}
+
+}  // namespace
+
+fs::path packagePath(const fs::path& channelFolder, std::uint32_t release) {
+    return channelFolder / ("KVN-release-" + std::to_string(release) + std::string(update::kPackageNameSuffix));
+}
+
+PublishedRelease publishPackage(const fs::path& channelFolder, const ReleaseFiles& files, std::uint32_t release) {
+    PublishedRelease published;
+    published.folder = channelFolder;
+    published.package = packagePath(channelFolder, release);
+    published.inventory = published.package.string() + std::string(update::kInventorySuffix);
+    published.manifest = channelFolder / update::kManifestName;
+    published.manifestText = manifestOf(readFile(published.package), release);
+    for (const auto& [path, file] : files)
+        writeFile(channelFolder / (std::string(update::kObjectNamePrefix) + sha256(file.content) +
+                                   std::string(update::kObjectNameSuffix)),
+                  file.content);
+    writeFile(published.inventory, renderInventory(published.manifestText, files));
+    writeFile(published.manifest, renderManifest(published.manifestText));
+    return published;
+}
+
+PublishedRelease publish(const fs::path& channelFolder, const ReleaseFiles& files, std::uint32_t release) {
+    writePackage(packagePath(channelFolder, release), packageEntries(files));
+    return publishPackage(channelFolder, files, release);
+}
+
+Scenario::Scenario(const std::string& installationName)
+    : root(makeTemporaryFolder()),
+      installation(root / "games" / installationName),
+      workFolder(installation / update::kWorkFolderName) {
+    layOut(sampleRelease41(), installation);
+    layOut(playersFiles(), installation);
+    fs::create_directories(installation / "mods");
+    writeFile(root / "beside.txt", "not the game's");
+    writeFile(root / "games" / "other game" / "Vorthmere.exe", "another installation");
+    release = publish(root / "channel", sampleRelease42(), 42);
+    for (const ReleaseFiles& files : {sampleRelease41(), sampleRelease42()})
+        for (const auto& [path, file] : files)
+            managedPaths.insert(path);
+}
+
+Scenario::~Scenario() {
+    std::error_code ignored;
+    if (!std::getenv("KVN_KEEP_SCENARIOS")) fs::remove_all(root, ignored);
+}
+
+TreeSnapshot Scenario::takeProtectedSnapshot() const {
+    const std::string inside = installation.lexically_relative(root).generic_string() + "/";
+    // Folders that hold managed files come and go with them.
+    std::set<std::string> managed;
+    for (const fs::path path : managedPaths)
+        for (fs::path part = path; !part.empty(); part = part.parent_path())
+            managed.insert(inside + part.generic_string());
+
+    TreeSnapshot snapshot = takeSnapshot(
+        root, [&](const std::string& path) { return path != inside + std::string(update::kWorkFolderName); });
+    std::erase_if(snapshot, [&managed](const auto& entry) { return managed.contains(entry.first); });
+    return snapshot;
+}
+
+TreeSnapshot Scenario::takeInstallationSnapshot() const {
+    return takeSnapshot(installation, [](const std::string& path) { return path != update::kWorkFolderName; });
+}
+
+std::string Scenario::differencesFrom(const ReleaseFiles& files) const {
+    std::string lines;
+    for (const auto& [path, file] : files) {
+        if (!fs::is_regular_file(fs::symlink_status(installation / path)))
+            lines += "  missing: " + path + "\n";
+        else if (readFile(installation / path) != file.content)
+            lines += "  different: " + path + "\n";
+    }
+    for (const std::string& path : managedPaths)
+        if (!files.contains(path) && fs::exists(fs::symlink_status(installation / path)))
+            lines += "  left over: " + path + "\n";
+    return lines;
+}
+
+}  // namespace vorthmere::end_to_end

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/end_to_end/support/package_writer.h"
+#include "tests/end_to_end/support/release_files.h"
+#include "tests/end_to_end/support/release_texts.h"
+#include "tests/end_to_end/support/tree_snapshot.h"
+
+namespace vorthmere::end_to_end {
+
+/// A release as it lies in a channel folder.
+struct PublishedRelease {
+    std::filesystem::path folder;     ///< holds all of it, the update objects among them
+    std::filesystem::path manifest;   ///< KVN-alpha.manifest
+    std::filesystem::path package;    ///< KVN-release-<n>.zip
+    std::filesystem::path inventory;  ///< the package's name followed by .files
+    ManifestText manifestText;        ///< what the manifest says
+};
+
+/// Publishes files as a release: package, inventory, objects, manifest.
+[[nodiscard]] PublishedRelease publish(const std::filesystem::path& channelFolder, const ReleaseFiles& files,
+                                       std::uint32_t release);
+
+/// Publishes whatever lies at the package's place: the manifest and, with `files`, the inventory are made to fit it.
+/// For packages that no publisher would make.
+[[nodiscard]] PublishedRelease publishPackage(const std::filesystem::path& channelFolder, const ReleaseFiles& files,
+                                              std::uint32_t release);
+
+/// Where publishPackage() expects the package.
+[[nodiscard]] std::filesystem::path packagePath(const std::filesystem::path& channelFolder, std::uint32_t release);
+
+/// A temporary folder with blanks in its name that holds an installation of the sample release 41 with a player's
+/// files in it, files beside the installation that are nobody's business, and a channel folder with the sample release
+/// 42. It is removed at the end of this object's life.
+class Scenario {
+public:
+    /// @param installationName the installation folder's name; may hold blanks and any characters
+    explicit Scenario(const std::string& installationName = "Kelvane game");
+    Scenario(const Scenario&) = delete;
+    Scenario& operator=(const Scenario&) = delete;
+    ~Scenario();
+
+    std::filesystem::path root;
+    std::filesystem::path installation;
+    std::filesystem::path workFolder;
+    PublishedRelease release;  ///< what the updater is offered
+
+    /// Every path that the updater may change in the installation; whatever else is there is the player's.
+    std::set<std::string> managedPaths;
+
+    /// The player's files in the installation, and everything in the scenario outside of it.
+    [[nodiscard]] TreeSnapshot takeProtectedSnapshot() const;
+
+    /// Everything in the installation but the work folder.
+    [[nodiscard]] TreeSnapshot takeInstallationSnapshot() const;
+
+    /// What distinguishes the installation's managed files from a release's: one line for each file that is missing,
+    /// different, or there although the release does not hold it. Empty when there is no difference.
+    [[nodiscard]] std::string differencesFrom(const ReleaseFiles& files) const;
+};
+
+}  // namespace vorthmere::end_to_end
