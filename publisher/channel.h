@@ -1,0 +1,42 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "publisher/release_content.h"
+#include "update/file_inventory.h"
+#include "update/manifest.h"
+
+namespace vorthmere::publish {
+
+/// Holds everything that is not yet published. Its name begins with a dot, which no address of an updater does.
+inline constexpr std::string_view kWorkFolderName = ".kvn-release-work";
+
+/// What stands in place of one of a channel's files.
+enum class FileState { right, missing, wrongSize, corrupt, unreadable, notAFile };
+
+/// Compares a file with what it should be. A file of another size is not read.
+[[nodiscard]] FileState stateOfFile(const std::filesystem::path& path, std::uint64_t size, std::string_view sha256,
+                                    const BytesDone& done);
+
+/// Reads the release that a channel offers.
+///
+/// @param manifest empty on success when the channel has no manifest yet
+/// @param error    receives a sentence when the manifest is there and the updater would refuse it
+[[nodiscard]] bool readPublishedManifest(const std::filesystem::path& channel,
+                                         std::optional<update::Manifest>& manifest, std::string& error);
+
+/// Reads a release's inventory as the updater does.
+[[nodiscard]] bool readInventory(const std::filesystem::path& path, const update::Manifest& manifest,
+                                 std::vector<update::InventoryEntry>& entries, std::string& error);
+
+/// Reads an inventory whose manifest is no longer at hand: what the header says is taken for the release.
+///
+/// @param manifest receives release, protocol, version and digest
+[[nodiscard]] bool readInventoryAlone(const std::filesystem::path& path, update::Manifest& manifest,
+                                      std::vector<update::InventoryEntry>& entries, std::string& error);
+
+}  // namespace vorthmere::publish

@@ -1,0 +1,75 @@
+#include "publisher/console.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace vorthmere::publish {
+namespace {
+
+constexpr unsigned kBarWidth = 30;
+
+std::string withSeparators(std::uint64_t number) {
+    std::string digits = std::to_string(number);
+    for (std::size_t position = digits.size(); position > 3;) {
+        position -= 3;
+        digits.insert(position, 1, ',');
+    }
+    return digits;
+}
+
+}  // namespace
+
+std::string countOf(std::uint64_t count, const std::string& singular) {
+    return withSeparators(count) + " " + singular + (count == 1 ? "" : "s");
+}
+
+std::string sizeOf(std::uint64_t bytes) {
+    constexpr std::array units = {"KiB", "MiB", "GiB"};
+    if (bytes < 1024) return countOf(bytes, "byte");
+    auto amount = static_cast<double>(bytes) / 1024;
+    std::size_t unit = 0;
+    for (; amount >= 1024 && unit + 1 < units.size(); ++unit)
+        amount /= 1024;
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.1f %s", amount, units[unit]);
+    return std::string(text.data()) + " (" + countOf(bytes, "byte") + ")";
+}
+
+void Console::line(const std::string& text) {
+    output_ << text << '\n' << std::flush;
+}
+
+void Console::beginStep(const std::string& text, std::uint64_t total) {
+    const std::lock_guard lock(mutex_);
+    step_ = text;
+    total_ = total;
+    done_ = 0;
+    if (isTerminal_)
+        draw(0);
+    else
+        line(text + "...");
+}
+
+void Console::advance(std::uint64_t bytes) {
+    const std::lock_guard lock(mutex_);
+    done_ += bytes;
+    const unsigned percent =
+        total_ == 0 ? 100 : static_cast<unsigned>(std::min(done_ * 100 / total_, std::uint64_t{100}));
+    if (isTerminal_ && percent != shownPercent_) draw(percent);
+}
+
+void Console::endStep() {
+    const std::lock_guard lock(mutex_);
+    if (isTerminal_ && !step_.empty()) output_ << '\n' << std::flush;
+    step_.clear();
+}
+
+void Console::draw(unsigned percent) {
+    const unsigned filled = percent * kBarWidth / 100;
+    output_ << "\r[" << std::string(filled, '#') << std::string(kBarWidth - filled, '.') << "] " << percent << "% "
+            << step_ << std::flush;
+    shownPercent_ = percent;
+}
+
+}  // namespace vorthmere::publish

@@ -1,0 +1,142 @@
+#include "publisher/package_reader.h"
+
+#include <archive.h>
+#include <archive_entry.h>
+
+#include <map>
+#include <memory>
+#include <string_view>
+#include <thread>
+
+#include "install/archive_tool.h"
+#include "install/package_inspection.h"
+#include "publisher/in_quotes.h"
+#include "publisher/parallel_work.h"
+#include "publisher/release_texts.h"
+#include "publisher/sha256.h"
+
+namespace vorthmere::publish {
+namespace {
+
+struct ArchiveRelease {
+    void operator()(archive* zip) const {
+        archive_read_free(zip);
+    }
+};
+
+class PackageReader {
+public:
+    bool open(const std::filesystem::path& package, std::string& error) {
+        zip_.reset(archive_read_new());
+        const bool opened = zip_ && archive_read_support_format_zip_seekable(zip_.get()) == ARCHIVE_OK &&
+                            archive_read_open_filename(zip_.get(), package.c_str(), kBlockBytes) == ARCHIVE_OK;
+        return opened || fail(error);
+    }
+
+    /// @return true with the next entry, or with none at the end
+    bool next(archive_entry*& entry, std::string& error) {
+        const int result = archive_read_next_header(zip_.get(), &entry);
+        if (result == ARCHIVE_EOF) entry = nullptr;
+        return result == ARCHIVE_OK || result == ARCHIVE_EOF || fail(error);
+    }
+
+    /// Unpacks the current entry into nothing.
+    bool measure(std::uint64_t& size, std::string& sha256, const BytesDone& done, std::string& error) {
+        Sha256 digest;
+        size = 0;
+        std::vector<char> block(kBlockBytes);
+        la_ssize_t count = 0;
+        while ((count = archive_read_data(zip_.get(), block.data(), block.size())) > 0) {
+            const std::span<const char> bytes(block.data(), static_cast<std::size_t>(count));
+            digest.add(bytes);
+            size += bytes.size();
+            done(bytes.size());
+        }
+        sha256 = digest.finish();
+        return count == 0 || fail(error);
+    }
+
+private:
+    bool fail(std::string& error) {
+        const char* reason = zip_ ? archive_error_string(zip_.get()) : nullptr;
+        error = "The package cannot be unpacked: " + std::string(reason ? reason : "unknown reason") + ".";
+        return false;
+    }
+
+    std::unique_ptr<archive, ArchiveRelease> zip_;
+};
+
+using Expected = std::map<std::string, const update::InventoryEntry*, std::less<>>;
+
+bool listingIsAccepted(const std::filesystem::path& package, const Expected& expected, std::string& error) {
+    PackageReader reader;
+    archive_entry* entry = nullptr;
+    if (!reader.open(package, error)) return false;
+    std::vector<std::string> names;
+    Expected missing = expected;
+    while (reader.next(entry, error) && entry) {
+        const char* const name = archive_entry_pathname(entry);
+        names.emplace_back(name ? name : "");
+        if (archive_entry_filetype(entry) == AE_IFDIR) continue;
+        if (archive_entry_filetype(entry) != AE_IFREG) {
+            error = inQuotes(names.back()) + " in the package is neither a file nor a folder.";
+            return false;
+        }
+        if (missing.erase(names.back()) == 0) {
+            error = inQuotes(names.back()) + " in the package is not in the file inventory, or there twice.";
+            return false;
+        }
+    }
+    if (!error.empty()) return false;
+
+    std::wstring fault;
+    const std::string listing = listingText(names);
+    if (listing.size() > update::kMaxArchiveToolOutputBytes) {
+        error = "The listing of the package has more than " + std::to_string(update::kMaxArchiveToolOutputBytes) +
+                " bytes.";
+    } else if (!update::checkArchiveListing(listing, fault)) {
+        error.assign(fault.begin(), fault.end());
+    } else if (!missing.empty()) {
+        error = inQuotes(missing.begin()->first) + " is missing in the package.";
+    }
+    return error.empty();
+}
+
+/// Unpacks every `stride`-th entry, from the one numbered `first` on: one reader can only go through an archive entry
+/// by entry, so several share the work.
+bool contentsMatch(const std::filesystem::path& package, const Expected& expected, std::size_t first,
+                   std::size_t stride, const BytesDone& done, std::string& error) {
+    PackageReader reader;
+    archive_entry* entry = nullptr;
+    if (!reader.open(package, error)) return false;
+    for (std::size_t number = 0; reader.next(entry, error) && entry; ++number) {
+        if (number % stride != first || archive_entry_filetype(entry) != AE_IFREG) continue;
+        const update::InventoryEntry& wanted = *expected.at(archive_entry_pathname(entry));
+        std::uint64_t size = 0;
+        std::string sha256;
+        if (!reader.measure(size, sha256, done, error)) return false;
+        if (size == wanted.size && sha256 == wanted.sha256) continue;
+        error = inQuotes(wanted.path) + " in the package has other content than the file inventory says.";
+        return false;
+    }
+    return error.empty();
+}
+
+}  // namespace
+
+bool verifyPackage(const std::filesystem::path& package, const std::vector<update::InventoryEntry>& entries,
+                   const BytesDone& done, std::string& error) {
+    Expected expected;
+    for (const update::InventoryEntry& entry : entries)
+        expected.emplace(entry.path, &entry);
+    if (!listingIsAccepted(package, expected, error)) return false;
+    const std::size_t readers = std::max(1U, std::thread::hardware_concurrency());
+    return forEachInParallel(
+        readers,
+        [&](std::size_t reader, std::string& fault) {
+            return contentsMatch(package, expected, reader, readers, done, fault);
+        },
+        error);
+}
+
+}  // namespace vorthmere::publish

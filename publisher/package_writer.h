@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "publisher/release_content.h"
+
+namespace vorthmere::publish {
+
+/// What a manifest says of a package.
+struct PackageFacts {
+    std::uint64_t size = 0;  ///< bytes
+    std::string sha256;
+};
+
+/// Packs a release into a zip archive, in the order of the files and with nothing in it but the files: no folders, no
+/// times, fixed attributes. The same files give the same bytes on every machine with the same libraries.
+///
+/// @param target  created or replaced; complete and on the disk on success, a part of it may be left on failure
+/// @param facts   size and digest of what was written
+/// @param done    told the bytes of content that were packed
+/// @param error   receives the sentence of a failure, among them that the package outgrows what a manifest may announce
+[[nodiscard]] bool writePackage(const std::vector<ReleaseFile>& files, const std::filesystem::path& target,
+                                PackageFacts& facts, const BytesDone& done, std::string& error);
+
+}  // namespace vorthmere::publish

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+
+namespace vorthmere::publish {
+
+/// Calls `task` once for each index from 0 to `count` - 1, on all processors at once, in no particular order.
+///
+/// @param task  may be called by several threads at the same time; returns false with a sentence to stop the work
+/// @param error receives the sentence of the first task that failed
+/// @return true when every task returned true; false also leaves out the tasks that had not begun
+/// @throws whatever the first task that threw has thrown, after all threads have ended
+[[nodiscard]] bool forEachInParallel(std::size_t count,
+                                     const std::function<bool(std::size_t index, std::string& error)>& task,
+                                     std::string& error);
+
+}  // namespace vorthmere::publish

@@ -1,0 +1,39 @@
+#include "publisher/path_rules.h"
+
+#include "publisher/in_quotes.h"
+#include "update/ascii.h"
+#include "update/managed_path.h"
+#include "update/release_channel.h"
+
+namespace vorthmere::publish {
+namespace {
+
+constexpr std::string_view kAllowedCharacters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789 -._";
+
+std::string brokenComponentRule(std::string_view component) {
+    if (component.find_first_not_of(kAllowedCharacters) != std::string_view::npos)
+        return "only ASCII letters, digits, spaces and the characters \"-\", \".\" and \"_\" may be in a name";
+    if (component.ends_with('.') || component.ends_with(' '))
+        return "no name may end in a full stop or a space, which Windows drops";
+    if (update::toAsciiLower(component) == update::kWorkFolderName)
+        return inQuotes(update::kWorkFolderName) + " is the updater's own work folder";
+    return inQuotes(component) + " names a Windows device";
+}
+
+}  // namespace
+
+std::string brokenPathRule(std::string_view path) {
+    if (update::isSafeRelativePath(path, false)) return {};
+    if (path.size() > update::kMaxManagedPathBytes)
+        return "a path may have " + std::to_string(update::kMaxManagedPathBytes) + " bytes, this one has " +
+               std::to_string(path.size());
+    while (!path.empty()) {
+        const std::size_t slash = path.find('/');
+        const std::string_view component = path.substr(0, slash);
+        if (!update::isSafeRelativePath(component, false)) return brokenComponentRule(component);
+        path.remove_prefix(slash == std::string_view::npos ? path.size() : slash + 1);
+    }
+    return "the path is not relative to the game folder";
+}
+
+}  // namespace vorthmere::publish

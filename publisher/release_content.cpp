@@ -1,0 +1,71 @@
+#include "publisher/release_content.h"
+
+#include <fstream>
+
+#include "publisher/in_quotes.h"
+#include "publisher/parallel_work.h"
+#include "publisher/sha256.h"
+
+namespace vorthmere::publish {
+
+bool readFile(const std::filesystem::path& path, const ContentSink& sink, std::string& error) {
+    std::ifstream file(path, std::ios::binary);
+    std::vector<char> block(kBlockBytes);
+    while (file) {
+        file.read(block.data(), static_cast<std::streamsize>(block.size()));
+        const auto count = static_cast<std::size_t>(file.gcount());
+        if (count != 0 && !sink({block.data(), count})) return false;
+    }
+    if (file.eof()) return true;
+    error = inQuotes(path) + " cannot be read.";
+    return false;
+}
+
+bool readContent(const ReleaseFile& file, const ContentSink& sink, std::string& error) {
+    if (file.source.empty()) return sink({file.text.data(), file.text.size()});
+    std::uint64_t size = 0;
+    const ContentSink counted = [&](std::span<const char> bytes) {
+        size += bytes.size();
+        return size <= file.entry.size && sink(bytes);
+    };
+    const bool read = readFile(file.source, counted, error);
+    if (read && size == file.entry.size) return true;
+    if (error.empty() && (read || size > file.entry.size))
+        error = inQuotes(file.entry.path) + " changed while the release was being built; let nothing write to it.";
+    return false;
+}
+
+bool hashReleaseFiles(std::vector<ReleaseFile>& files, const BytesDone& done, std::string& error) {
+    return forEachInParallel(
+        files.size(),
+        [&](std::size_t index, std::string& fault) {
+            ReleaseFile& file = files[index];
+            Sha256 digest;
+            const ContentSink hash = [&](std::span<const char> bytes) {
+                digest.add(bytes);
+                done(bytes.size());
+                return true;
+            };
+            if (!readContent(file, hash, fault)) return false;
+            file.entry.sha256 = digest.finish();
+            return true;
+        },
+        error);
+}
+
+std::vector<update::InventoryEntry> inventoryOf(const std::vector<ReleaseFile>& files) {
+    std::vector<update::InventoryEntry> entries;
+    entries.reserve(files.size());
+    for (const ReleaseFile& file : files)
+        entries.push_back(file.entry);
+    return entries;
+}
+
+std::uint64_t totalBytes(const std::vector<ReleaseFile>& files) {
+    std::uint64_t total = 0;
+    for (const ReleaseFile& file : files)
+        total += file.entry.size;
+    return total;
+}
+
+}  // namespace vorthmere::publish

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "update/file_inventory.h"
+
+namespace vorthmere::publish {
+
+/// Bytes that are read, hashed or written at a time.
+inline constexpr std::size_t kBlockBytes = std::size_t{1} << 20;
+
+/// One file of the release that is being built.
+struct ReleaseFile {
+    update::InventoryEntry entry;  ///< path and size; the digest is filled in by hashReleaseFiles()
+    std::filesystem::path source;  ///< where the content lies; empty for a file that is generated
+    std::string text;              ///< the content of a generated file
+};
+
+/// Takes the next bytes of a content; false stops the reading.
+using ContentSink = std::function<bool(std::span<const char> bytes)>;
+
+/// Told how many more bytes were dealt with; may be called from several threads at once.
+using BytesDone = std::function<void(std::uint64_t count)>;
+
+/// Reads a file from its beginning to its end in blocks of at most kBlockBytes.
+///
+/// @param error receives the sentence of a failure; untouched when the sink stopped the reading
+/// @return false when the file cannot be read or the sink returned false
+[[nodiscard]] bool readFile(const std::filesystem::path& path, const ContentSink& sink, std::string& error);
+
+/// Like readFile(), for a file of a release, which must still have the size that was found when it was listed.
+[[nodiscard]] bool readContent(const ReleaseFile& file, const ContentSink& sink, std::string& error);
+
+/// Computes the digest of every file, on all processors.
+[[nodiscard]] bool hashReleaseFiles(std::vector<ReleaseFile>& files, const BytesDone& done, std::string& error);
+
+/// The entries of `files`, in their order.
+[[nodiscard]] std::vector<update::InventoryEntry> inventoryOf(const std::vector<ReleaseFile>& files);
+
+/// The sum of the sizes of `files`, in bytes.
+[[nodiscard]] std::uint64_t totalBytes(const std::vector<ReleaseFile>& files);
+
+}  // namespace vorthmere::publish

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+struct evp_md_ctx_st;
+
+namespace vorthmere::publish {
+
+/// Computes one SHA-256 digest.
+///
+/// @throws std::runtime_error when the cryptography library fails, which only exhausted memory brings about
+class Sha256 {
+public:
+    Sha256();
+    void add(std::span<const char> bytes);
+
+    /// @return 64 lower-case hexadecimal digits; nothing may be added afterwards
+    [[nodiscard]] std::string finish();
+
+private:
+    struct Release {
+        void operator()(evp_md_ctx_st* context) const;
+    };
+    std::unique_ptr<evp_md_ctx_st, Release> context_;
+};
+
+[[nodiscard]] std::string sha256Of(std::string_view text);
+
+}  // namespace vorthmere::publish
