@@ -4,9 +4,10 @@
 #include <string>
 
 #include "publisher/build_release.h"
+#include "publisher/check_channel.h"
 #include "publisher/console.h"
 #include "publisher/durable_files.h"
-#include "publisher/release_texts.h"
+#include "publisher/update_plan.h"
 #include "update/decimal.h"
 #include "update/release_channel.h"
 
@@ -80,6 +81,67 @@ bool build(BuildOptions& options, Console& console, std::string& error) {
     return true;
 }
 
+bool check(const std::filesystem::path& channel, Console& console) {
+    const std::vector<std::string> faults = checkChannel(channel, console);
+    for (const std::string& fault : faults)
+        console.line(fault);
+    console.line(faults.empty() ? "The channel is sound: every updater can install its release."
+                                : "The channel has " + countOf(faults.size(), "fault") + ".");
+    return faults.empty();
+}
+
+struct PlanOptions {
+    std::filesystem::path from;
+    std::filesystem::path channel;
+    bool listFiles = false;
+};
+
+void addPlanOptions(CLI::App& plan, PlanOptions& options) {
+    plan.add_option("--from", options.from,
+                    "The older release: its inventory (KVN-release-N.zip.files), an installation, or its game folder")
+        ->required()
+        ->type_name("PATH");
+    plan.add_option("--channel", options.channel, "Folder that the server serves")->required()->type_name("FOLDER");
+    plan.add_flag("--files", options.listFiles, "Also name every file that is fetched or removed");
+    plan.footer(
+        "A game folder does not tell its release number, so kvn_release.txt counts as fetched unless it is there.\n\n"
+        "Example:\n  kvn-release plan --from /srv/kelvane/downloads/KVN-release-41.zip.files --channel "
+        "/srv/kelvane/downloads");
+}
+
+void printPlan(const UpdatePlan& plan, bool listFiles, Console& console) {
+    const ReleaseDifference& difference = plan.difference;
+    if (plan.fromRelease >= plan.target.release) {
+        console.line("Release " + std::to_string(plan.fromRelease) + " is not older than release " +
+                     std::to_string(plan.target.release) + " of the channel: an updater does nothing.");
+        return;
+    }
+    console.line((plan.fromRelease != 0 ? "From release " + std::to_string(plan.fromRelease) : "From this folder") +
+                 " to release " + std::to_string(plan.target.release) + " (" + plan.target.version + "):");
+    if (listFiles) {
+        for (const update::InventoryEntry& entry : difference.fetched)
+            console.line("  fetch " + entry.path + ", " + sizeOf(entry.size));
+        for (const std::string& path : difference.removed)
+            console.line("  remove " + path);
+    }
+    console.line("  reused:           " + countOf(difference.reused.size(), "file") + ", " +
+                 sizeOf(difference.bytesReused));
+    console.line("  fetched:          " + countOf(difference.fetched.size(), "file") + ", " +
+                 sizeOf(difference.bytesToFetch));
+    console.line("  removed:          " + countOf(difference.removed.size(), "file"));
+    console.line("  complete package: " + sizeOf(plan.target.size));
+    console.line(plan.incremental
+                     ? "The update is incremental: the changed files are smaller than the complete package."
+                     : "The update takes the complete package: the changed files are not smaller.");
+}
+
+bool plan(const PlanOptions& options, Console& console, std::string& error) {
+    UpdatePlan found;
+    if (!planUpdate(options.from, options.channel, console, found, error)) return false;
+    printPlan(found, options.listFiles, console);
+    return true;
+}
+
 int run(int argc, char** argv) {
     CLI::App app(
         "Makes releases of Kelvane that KVNUpdater.exe can install, in a folder that any HTTPS server can serve as\n" +
@@ -89,6 +151,21 @@ int run(int argc, char** argv) {
     BuildOptions buildOptions;
     CLI::App* const buildCommand = app.add_subcommand("build", "Publish a folder with the game's files as a release");
     addBuildOptions(*buildCommand, buildOptions);
+
+    std::filesystem::path checkedChannel;
+    CLI::App* const checkCommand =
+        app.add_subcommand("check", "Read a channel as an updater would and report every fault; exit code 1 if any");
+    checkCommand->add_option("--channel", checkedChannel, "Folder that the server serves")
+        ->required()
+        ->type_name("FOLDER");
+
+    PlanOptions planOptions;
+    CLI::App* const planCommand =
+        app.add_subcommand("plan", "Tell what an updater would fetch that comes from an older release");
+    addPlanOptions(*planCommand, planOptions);
+    app.footer(
+        "\"kvn-release build --help\" and so on tell more. Exit codes: 0 done, 1 refused or faulty, 2 wrong command "
+        "line.");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& wrong) {
@@ -97,7 +174,13 @@ int run(int argc, char** argv) {
 
     Console console(std::cout, outputIsTerminal());
     std::string error;
-    const bool succeeded = build(buildOptions, console, error);
+    bool succeeded = false;
+    if (*buildCommand)
+        succeeded = build(buildOptions, console, error);
+    else if (*planCommand)
+        succeeded = plan(planOptions, console, error);
+    else if (*checkCommand)
+        succeeded = check(checkedChannel, console);
     if (!error.empty()) std::cerr << "kvn-release: " << error << '\n';
     return succeeded ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+#include "publisher/console.h"
+#include "publisher/release_difference.h"
+#include "update/manifest.h"
+
+namespace vorthmere::publish {
+
+/// What an updater would do.
+struct UpdatePlan {
+    update::Manifest target;        ///< the release that the channel offers
+    std::uint32_t fromRelease = 0;  ///< 0 when it is not known: a folder does not tell
+    ReleaseDifference difference;
+    bool incremental = false;  ///< the changed files are fetched, else the complete package
+};
+
+/// Finds out how an updater would get from an older release to the one that a channel offers.
+///
+/// @param from  the older release: its inventory, an installation, or the game folder that it was built from. Of an
+///              installation only the files on its managed-file list count as removed; a game folder has no such list,
+///              and everything in it counts.
+/// @param error receives the sentence of a failure
+[[nodiscard]] bool planUpdate(const std::filesystem::path& from, const std::filesystem::path& channel, Console& console,
+                              UpdatePlan& plan, std::string& error);
+
+}  // namespace vorthmere::publish
