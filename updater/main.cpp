@@ -1,18 +1,26 @@
 #include <windows.h>
 // windows.h has to come first.
+#include <commctrl.h>
 #include <shellapi.h>
 
 #include <memory>
 #include <string>
+#include <thread>
+#include <utility>
 
 #include "updater/command_line.h"
+#include "updater/progress_window.h"
 #include "updater/update_run.h"
+#include "updater/worker.h"
 
 namespace {
 
-using vorthmere::update::Arguments;
+using namespace vorthmere::update;
 
+// Exit codes of the program's own; those of the run are in RunResult, and WindowState has the one for no outcome.
 constexpr int kCommandLineRejected = 2;
+constexpr int kWindowClassNotRegistered = 3;
+constexpr int kWindowNotCreated = 4;
 
 struct LocalMemoryDeleter {
     void operator()(wchar_t** memory) const noexcept {
@@ -20,9 +28,22 @@ struct LocalMemoryDeleter {
     }
 };
 
+void initialiseProgressBar() {
+    const INITCOMMONCONTROLSEX classes{sizeof(classes), ICC_PROGRESS_CLASS};
+    InitCommonControlsEx(&classes);
+}
+
+void dispatchMessages() {
+    MSG message{};
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
 }  // namespace
 
-int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
+int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int showCommand) {
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
     SetProcessDPIAware();
 
@@ -32,11 +53,24 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
 
     Arguments arguments;
     std::wstring error;
-    const bool accepted = vorthmere::update::parseArguments(argc, argv.get(), arguments, error);
+    const bool accepted = parseArguments(argc, argv.get(), arguments, error);
     argv.reset();
     if (!accepted) {
         if (!arguments.testNoUi) MessageBoxW(nullptr, error.c_str(), L"Kelvane Updater", MB_ICONERROR);
         return kCommandLineRejected;
     }
-    return vorthmere::update::runUpdate(std::move(arguments), error, {});
+    if (arguments.testNoUi) return runUpdate(std::move(arguments), error, {});
+
+    initialiseProgressBar();
+    if (!registerProgressWindow(instance)) return kWindowClassNotRegistered;
+    WindowState state;
+    state.arguments = std::move(arguments);
+    if (!createProgressWindow(instance, state)) return kWindowNotCreated;
+    ShowWindow(state.window, showCommand);
+    UpdateWindow(state.window);
+
+    std::thread worker(runWorker, state.arguments, state.window);
+    dispatchMessages();
+    worker.join();
+    return state.outcomeCode;
 }
