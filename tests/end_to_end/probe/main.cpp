@@ -16,6 +16,7 @@ struct Subcommand {
 
 constexpr std::array kSubcommands = {
     Subcommand{L"lock", lock},
+    Subcommand{L"outcome", outcome},
     Subcommand{L"run", run},
 };
 
