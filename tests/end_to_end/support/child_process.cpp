@@ -101,6 +101,15 @@ std::string ChildProcess::readLine(Milliseconds timeLimit) {
     return line;
 }
 
+void ChildProcess::writeLine(const std::string& line) {
+    const std::string text = line + "\n";
+    for (std::size_t written = 0; written < text.size();) {
+        const ssize_t count = write(input_, text.data() + written, text.size() - written);
+        if (count < 0) throwLastError("write");
+        written += static_cast<std::size_t>(count);
+    }
+}
+
 void ChildProcess::closeInput() {
     closeIfOpen(input_);
 }

@@ -43,6 +43,11 @@ public:
     /// time is up. Only without an output file.
     [[nodiscard]] std::string readLine(Milliseconds timeLimit);
 
+    /// Writes a line to the child's standard input.
+    ///
+    /// @throws std::system_error when the child reads no more
+    void writeLine(const std::string& line);
+
     /// Ends the child's standard input.
     void closeInput();
 
