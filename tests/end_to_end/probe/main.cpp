@@ -15,9 +15,11 @@ struct Subcommand {
 };
 
 constexpr std::array kSubcommands = {
+    Subcommand{L"download", download},
     Subcommand{L"lock", lock},
     Subcommand{L"outcome", outcome},
     Subcommand{L"run", run},
+    Subcommand{L"trust", trust},
 };
 
 }  // namespace

@@ -1,0 +1,157 @@
+#include "tests/end_to_end/support/channel.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+#include "tests/end_to_end/support/files.h"
+#include "tests/end_to_end/support/programs.h"
+#include "update/release_channel.h"
+
+namespace vorthmere::end_to_end {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr Milliseconds kToolLimit{60'000};
+constexpr Milliseconds kCommandLimit{40'000};
+constexpr std::string_view kScheme = "https://";
+
+const std::string kSources = KVN_SOURCE_FOLDER;
+
+/// "host:port" of the channel's address.
+std::string_view authority() {
+    std::string_view rest = update::kDownloadBaseUrl.substr(kScheme.size());
+    return rest.substr(0, rest.find('/'));
+}
+
+void runTool(const std::vector<std::string>& command, const ProcessOptions& options = {}) {
+    const ProcessEnd end = ChildProcess(command, options).wait(kToolLimit);
+    if (end.exitCode != 0) throw std::runtime_error(command.front() + " failed");
+}
+
+/// Of the fields of a line the first two and the last two; nginx has more of them in between.
+ChannelRequest parseRequest(const std::string& line) {
+    std::vector<std::string> fields;
+    std::istringstream text(line);
+    for (std::string field; std::getline(text, field, '\t');)
+        fields.push_back(field);
+    if (fields.size() < 4) throw std::runtime_error("not a request: " + line);
+    return {fields[0], fields[1], fields[fields.size() - 2], fields.back()};
+}
+
+}  // namespace
+
+unsigned channelPort() {
+    const std::string_view place = authority();
+    const std::size_t colon = place.find(':');
+    return colon == std::string_view::npos ? 443U
+                                           : static_cast<unsigned>(std::stoul(std::string(place.substr(colon + 1))));
+}
+
+std::string channelPath(const std::string& name) {
+    return std::string(update::kDownloadBaseUrl.substr(kScheme.size() + authority().size())) + name;
+}
+
+std::string channelUrl(const std::string& name) {
+    return std::string(update::kDownloadBaseUrl) + name;
+}
+
+ChannelRequest requestFor(const std::string& name) {
+    return {"GET", channelPath(name), "KelvaneAlphaUpdater/1.0", "no-cache"};
+}
+
+fs::path channelCertificates() {
+    const fs::path folder = KVN_CHANNEL_CERTIFICATES;
+    const fs::path trusted = folder / "trusted";
+    const auto age = [&trusted] { return fs::file_time_type::clock::now() - fs::last_write_time(trusted); };
+    if (exists(trusted) && age() < std::chrono::hours(24)) return folder;
+    fs::remove_all(folder);
+    runTool({kSources + "/scripts/channel-certificates", folder.string()});
+    runTool(wineCommand(probeProgram(), {"trust", windowsPath(folder / "authority.der")}));
+    writeFile(trusted, "");
+    return folder;
+}
+
+PlainChannel::PlainChannel(const fs::path& channelFolder) {
+    fs::copy(channelCertificates(), run_ / "certificates");
+    ProcessOptions options;
+    options.environment = {"KVN_DOWNLOAD_BASE_URL=" + std::string(update::kDownloadBaseUrl)};
+    options.outputFile = run_ / "start.log";
+    runTool({kSources + "/scripts/channel-server", "start", channelFolder.string(), run_.path().string()}, options);
+}
+
+PlainChannel::~PlainChannel() {
+    ProcessOptions options;
+    options.outputFile = run_ / "stop.log";
+    ChildProcess stop({kSources + "/scripts/channel-server", "stop", run_.path().string()}, options);
+    EXPECT_EQ(stop.wait(kToolLimit).exitCode, 0) << "the channel's server did not stop";
+}
+
+std::vector<ChannelRequest> PlainChannel::requests() const {
+    std::vector<ChannelRequest> requests;
+    std::ifstream log(run_ / "access.log");
+    for (std::string line; std::getline(log, line);)
+        requests.push_back(parseRequest(line));
+    return requests;
+}
+
+FaultServer::FaultServer()
+    : server_({"/usr/bin/python3", kSources + "/tests/end_to_end/support/fault_server.py",
+               channelCertificates().string(), std::to_string(channelPort())}) {
+    if (server_.readLine(kCommandLimit) != ".")
+        throw std::runtime_error("the fault server does not start; is port " + std::to_string(channelPort()) +
+                                 " in use?");
+}
+
+FaultServer::~FaultServer() {
+    for (const std::string& problem : command("problems"))
+        ADD_FAILURE() << problem;
+    server_.closeInput();
+    server_.wait(kToolLimit);
+}
+
+std::vector<std::string> FaultServer::command(const std::string& line) {
+    server_.writeLine(line);
+    std::vector<std::string> replies;
+    while (true) {
+        std::string reply = server_.readLine(kCommandLimit);
+        if (reply == ".") return replies;
+        if (reply.empty()) {
+            ADD_FAILURE() << "the fault server does not answer: " << line;
+            return replies;
+        }
+        replies.push_back(std::move(reply));
+    }
+}
+
+void FaultServer::answer(const std::string& path, const std::string& how) {
+    EXPECT_EQ(command("answer " + path + " " + how), std::vector<std::string>{});
+}
+
+void FaultServer::useCertificate(const std::string& name) {
+    EXPECT_EQ(command("certificate " + name), std::vector<std::string>{});
+}
+
+void FaultServer::setHandshake(const std::string& mode) {
+    EXPECT_EQ(command("handshake " + mode), std::vector<std::string>{});
+}
+
+void FaultServer::waitForRequests(std::size_t count) {
+    EXPECT_EQ(command("wait " + std::to_string(count)), std::vector<std::string>{});
+}
+
+void FaultServer::release() {
+    command("release");
+}
+
+std::vector<ChannelRequest> FaultServer::requests() {
+    std::vector<ChannelRequest> requests;
+    for (const std::string& line : command("requests"))
+        requests.push_back(parseRequest(line));
+    return requests;
+}
+
+}  // namespace vorthmere::end_to_end
