@@ -2,15 +2,22 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <cstddef>
 #include <fstream>
 #include <limits>
 #include <string>
+#include <thread>
 
 #include "tests/support/temporary_folder.h"
 
 #ifndef _WIN32
 #include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 #endif
 
@@ -148,6 +155,36 @@ TEST(MetadataFile, SaysSoWhenItCannotBeOpened) {
     EXPECT_EQ(error, kUnreadable);
     EXPECT_FALSE(readWithLowLimit);
     EXPECT_EQ(errorWithLowLimit, kBadSize);
+    expectContents(folder / "file", "content", 7);
+}
+
+// From here on every read of the calling thread fails; files can still be opened.
+bool makeReadsFail() {
+    sock_filter filter[] = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+                            BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_read, 0, 1),
+                            BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EIO),
+                            BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
+    const sock_fprog program{std::size(filter), filter};
+    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
+TEST(MetadataFile, LeavesTheSentenceToTheCallerWhenReadingBreaksOff) {
+    const TemporaryFolder folder;
+    writeFile(folder / "file", "content");
+    bool readsFail = false;
+    bool read = true;
+    std::wstring error;
+    std::wstring earlierError = L"An earlier sentence.";
+    std::thread([&] {
+        std::string contents;
+        readsFail = makeReadsFail();
+        read = readMetadataFile(folder / "file", contents, error, 7) ||
+               readMetadataFile(folder / "file", contents, earlierError, 7);
+    }).join();
+    ASSERT_TRUE(readsFail);
+    EXPECT_FALSE(read);
+    EXPECT_EQ(error, L"");
+    EXPECT_EQ(earlierError, L"An earlier sentence.");
     expectContents(folder / "file", "content", 7);
 }
 
