@@ -31,6 +31,8 @@ TEST(ManagedPath, AcceptsPlainRelativePaths) {
 
 TEST(ManagedPath, RefusesTheEmptyPath) {
     expectUnsafe({""});
+    EXPECT_FALSE(isSafeRelativePath(std::string_view(), false));
+    EXPECT_FALSE(isSafeRelativePath(std::string_view(), true));
 }
 
 TEST(ManagedPath, AcceptsExactlyTheLongestAllowedPath) {
