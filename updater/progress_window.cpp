@@ -46,12 +46,12 @@ struct Control {
 };
 
 constexpr DWORD kVisibleChild = WS_CHILD | WS_VISIBLE;
-constexpr Control kBanner{WC_STATICW, L"KELVANE", kVisibleChild, 28, 24, 450, 38};
-constexpr Control kStatus{WC_STATICW, L"Preparing update link...", kVisibleChild, 30, 76, 450, 26};
+constexpr Control kBanner{L"STATIC", L"KELVANE", kVisibleChild, 28, 24, 450, 38};
+constexpr Control kStatus{L"STATIC", L"Preparing update link...", kVisibleChild, 30, 76, 450, 26};
 constexpr Control kProgressBar{PROGRESS_CLASSW, L"", kVisibleChild | PBS_SMOOTH, 30, 111, 450, 18};
 constexpr Control kDetail{
-    WC_STATICW, L"Your current installation is protected by automatic rollback.", kVisibleChild, 30, 145, 450, 46};
-constexpr Control kCloseButton{WC_BUTTONW, L"Close", WS_CHILD | BS_DEFPUSHBUTTON, 384, 165, 96, 30, kCloseButtonId};
+    L"STATIC", L"Your current installation is protected by automatic rollback.", kVisibleChild, 30, 145, 450, 46};
+constexpr Control kCloseButton{L"BUTTON", L"Close", WS_CHILD | BS_DEFPUSHBUTTON, 384, 165, 96, 30, kCloseButtonId};
 
 HWND createControl(HWND window, HINSTANCE instance, const Control& control) {
     return CreateWindowExW(0, control.className, control.text, control.style, control.x, control.y, control.width,

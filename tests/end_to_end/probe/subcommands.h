@@ -20,8 +20,16 @@ inline constexpr int kUsageError = 64;
 ///   "file LIMIT URL"  downloadHttpsFile() into that file
 int download(Arguments arguments);
 
+/// idle: prints its own process id and runs until the end of standard input: a process to be waited for.
+int idle(Arguments arguments);
+
 /// lock FILE...: holds every file open without sharing, prints "locked", and lets go at the end of standard input.
 int lock(Arguments arguments);
+
+/// message-box PROGRAM [ARGUMENT...]: runs a program that shows a message box, prints "caption=" and the text of each
+/// visible control behind its class ("Static="), and answers the box with OK; prints "exit=" as in `outcome`, and
+/// nothing before it when no window comes.
+int messageBox(Arguments arguments);
 
 /// outcome UPDATER [ARGUMENT...]: runs the updater in its window and prints three lines when it has ended: "status="
 /// and "detail=" with the last texts shown, line breaks as "\n", then "exit=" with the whole exit code as in `run`. The
@@ -34,5 +42,19 @@ int run(Arguments arguments);
 /// trust CERTIFICATE: adds the authority in that file (DER) to those which the user of this prefix trusts, and prints
 /// "trusted".
 int trust(Arguments arguments);
+
+/// window UPDATER [ARGUMENT...]: runs the updater in its window and does what each line of standard input says. Every
+/// answer ends with the line "."; the first answer comes unasked: "process=" with the updater's process id in
+/// hexadecimal, and "window=" with the class of the window that it shows, if any.
+///   describe         the window: class, text, styles, size, twice the distance of its centre from the work area's;
+///                    then each control: class, text, styles, id, rectangle in client pixels
+///   look             status and detail text, position of the bar, whether the button is visible and has the focus
+///   click-button, click-close-box, press-alt-f4, press-space
+///                    real input, as from mouse and keyboard
+///   measure-answer   how long the window takes to answer a message, in microseconds
+///   place            the client area on the screen: left, top, width, height
+///   post MESSAGE WPARAM   posts a message, two decimal numbers
+///   exit-code        waits for the updater's end; its exit code as in `run`
+int window(Arguments arguments);
 
 }  // namespace vorthmere::probe
