@@ -224,9 +224,10 @@ TEST(FileInventory, RefusesBlankRecordLines) {
 }
 
 TEST(FileInventory, RefusesRecordsWithoutTwoTabs) {
-    for (const std::string& line : {std::string("a.txt"), std::string("a.txt\t5"), std::string("a.txt\t"),
-                                   std::string("\t"), "a.txt 5 " + kDigest, "a.txt\t5 " + kDigest, "a.txt,5," + kDigest,
-                                   std::string(" "), std::string("# comment"), std::string("../x"), kDigest}) {
+    for (const std::string& line :
+         {std::string("a.txt"), std::string("a.txt\t5"), std::string("a.txt\t"), std::string("\t"),
+          "a.txt 5 " + kDigest, "a.txt\t5 " + kDigest, "a.txt,5," + kDigest, std::string(" "), std::string("# comment"),
+          std::string("../x"), kDigest}) {
         expectRefused(plus(kValid, {line}), kMalformed);
         expectRefused(joinLines(plus(kValid, {line}), "\r\n", false), kMalformed);
         expectRefused(plus(plus(kHeader, {line}), Lines(kValid.begin() + 5, kValid.end())), kMalformed);
