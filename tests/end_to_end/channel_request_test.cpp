@@ -13,6 +13,7 @@
 #include <sstream>
 
 #include "tests/end_to_end/support/channel.h"
+#include "tests/end_to_end/support/channel_sentences.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/programs.h"
 
@@ -33,14 +34,6 @@ constexpr Milliseconds kProbeLimit{60'000};
 // The receive time-out with room for a busy machine.
 constexpr unsigned long kReceiveTimeoutMs = 5000;
 constexpr unsigned long kInTimeMs = 9000;
-
-constexpr const char* kInvalidAddress = "The update URL is not a valid HTTPS address.";
-constexpr const char* kTooLarge = "The update download is larger than the safety limit.";
-constexpr const char* kNotStored = "Unable to store the downloaded update.";
-constexpr const char* kWrongLength = "The HTTPS update download did not match its advertised size.";
-constexpr const char* kRequestFailed = "The HTTPS update request failed \\(Windows error [1-9][0-9]*\\)";
-constexpr const char* kReadFailed = "Unable to read the HTTPS update response \\(Windows error [1-9][0-9]*\\)";
-constexpr const char* kEndedUnexpectedly = "The HTTPS update download ended unexpectedly \\(Windows error [0-9]+\\)";
 
 /// What a job of the probe came to.
 struct Outcome {
@@ -89,7 +82,7 @@ protected:
     std::string body(const std::string& content) {
         const auto file = folder_ / ("body" + std::to_string(++bodies_));
         writeFile(file, content);
-        return "body=" + file.string() + " ";
+        return "body='" + file.string() + "' ";
     }
 
     /// The file of job N.
@@ -222,7 +215,7 @@ TEST_F(ChannelRequestTest, AHandshakeThatIsCutFailsTheRequest) {
 TEST_F(ChannelRequestTest, AServerThatSaysNothingFailsTheRequest) {
     server.answer(channelPath("silent"), "head=stall");
     ChildProcess waiting = start({openJob("silent")});
-    server.waitForRequests(1);
+    server.waitForRequests(channelPath("silent"), 1);
     server.release();
     EXPECT_THAT(collect(waiting, 1).front().sentence, MatchesRegex(kRequestFailed));
 }
@@ -297,9 +290,11 @@ TEST_F(ChannelRequestTest, ABodyShorterThanAdvertisedIsRefused) {
     for (std::size_t i = 0; i < ends.size(); ++i) {
         SCOPED_TRACE(ends[i]);
         EXPECT_EQ(outcomes[i].result, "false");
-        // An end that the connection itself tells may show as a failed read on Windows.
+        // An end that the connection itself tells may show as a failed read on Windows, and a reset takes along what
+        // has arrived and is not read yet.
         EXPECT_THAT(outcomes[i].sentence,
-                    testing::AnyOf(kWrongLength, MatchesRegex(kReadFailed), MatchesRegex(kEndedUnexpectedly)));
+                    testing::AnyOf(kWrongLength, MatchesRegex(kReadFailed), MatchesRegex(kEndedUnexpectedly),
+                                   MatchesRegex(kRequestFailed)));
     }
     EXPECT_EQ(outcomes[0].sentence, kWrongLength);
 }
@@ -337,7 +332,7 @@ TEST_F(ChannelRequestTest, ABodyThatStallsEndsAfterTheReceiveTimeout) {
 TEST_F(ChannelRequestTest, AFileThatCannotBeCreatedIsReported) {
     server.answer(channelPath("x"), body("x"));
     std::filesystem::create_directory(target(0));
-    EXPECT_EQ(performOne(fileJob(10, "x")).sentence, "Unable to create the temporary update archive.");
+    EXPECT_EQ(performOne(fileJob(10, "x")).sentence, kNotCreated);
 }
 
 TEST_F(ChannelRequestTest, AManifestMayHave8192BytesAndNoMore) {

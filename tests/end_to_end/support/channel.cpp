@@ -7,6 +7,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "tests/end_to_end/support/digest.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/programs.h"
 #include "update/release_channel.h"
@@ -57,6 +58,10 @@ std::string channelPath(const std::string& name) {
 
 std::string channelUrl(const std::string& name) {
     return std::string(update::kDownloadBaseUrl) + name;
+}
+
+std::string objectName(const std::string& content) {
+    return std::string(update::kObjectNamePrefix) + sha256(content) + std::string(update::kObjectNameSuffix);
 }
 
 ChannelRequest requestFor(const std::string& name) {
@@ -139,8 +144,8 @@ void FaultServer::setHandshake(const std::string& mode) {
     EXPECT_EQ(command("handshake " + mode), std::vector<std::string>{});
 }
 
-void FaultServer::waitForRequests(std::size_t count) {
-    EXPECT_EQ(command("wait " + std::to_string(count)), std::vector<std::string>{});
+void FaultServer::waitForRequests(const std::string& path, std::size_t count) {
+    EXPECT_EQ(command("wait " + path + " " + std::to_string(count)), std::vector<std::string>{});
 }
 
 void FaultServer::release() {

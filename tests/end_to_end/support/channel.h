@@ -16,6 +16,9 @@ namespace vorthmere::end_to_end {
 [[nodiscard]] std::string channelPath(const std::string& name);
 [[nodiscard]] std::string channelUrl(const std::string& name);
 
+/// The name of the update object with this content.
+[[nodiscard]] std::string objectName(const std::string& content);
+
 /// One request as a server saw it.
 struct ChannelRequest {
     std::string method;
@@ -67,8 +70,8 @@ public:
     void useCertificate(const std::string& name);
     void setHandshake(const std::string& mode);
 
-    /// Returns when so many requests have arrived since the start, and fails the test when they do not.
-    void waitForRequests(std::size_t count);
+    /// Returns when so many requests for a path have arrived since the start, and fails the test when they do not.
+    void waitForRequests(const std::string& path, std::size_t count);
 
     /// Closes the connections that the answers left open.
     void release();

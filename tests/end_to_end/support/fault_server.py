@@ -4,7 +4,8 @@
 Usage: fault_server.py CERTIFICATES PORT
 
 Commands arrive on standard input, one a line; each is answered on standard output by any number of lines and a line
-with a single dot. Such a line also says that the server is ready. It ends with its input.
+with a single dot. Such a line also says that the server is ready. Words are separated by blanks; one with blanks in it
+stands in quotation marks. The server ends with its input.
 
   answer PATH [KEY=VALUE...]  Expects one more request for PATH and says how it is answered:
       status=N      status code (200)
@@ -23,7 +24,7 @@ with a single dot. Such a line also says that the server is ready. It ends with 
   certificate NAME            The certificate of all further connections, NAME.pem and NAME.key.
   handshake complete|cut|stall  What becomes of further connections: the usual, the end after the client's first
                               message, or silence.
-  wait COUNT                  Returns when COUNT requests have arrived.
+  wait PATH COUNT             Returns when COUNT requests for PATH have arrived.
   release                     Closes all connections that stall.
   requests                    Lists the requests in the order of arrival: method, path, user agent, Cache-Control,
                               separated by tabs.
@@ -33,6 +34,7 @@ with a single dot. Such a line also says that the server is ready. It ends with 
 import collections
 import os
 import select
+import shlex
 import socket
 import ssl
 import struct
@@ -86,6 +88,7 @@ class Server:
         self.handshake = "complete"
         self.expected = collections.defaultdict(collections.deque)
         self.requests = []
+        self.arrived = collections.Counter()
         self.unexpected = []
         self.changed = threading.Condition()
         self.use_certificate("good")
@@ -162,6 +165,7 @@ class Server:
         entry = "\t".join((method, path, fields.get("user-agent", "-"), fields.get("cache-control", "-")))
         with self.changed:
             self.requests.append(entry)
+            self.arrived[path] += 1
             answers = self.expected[path]
             answer = answers.popleft() if answers and method == "GET" else None
             if answer is None:
@@ -179,7 +183,8 @@ class Server:
             self.handshake = arguments[0]
         elif command == "wait":
             with self.changed:
-                self.changed.wait_for(lambda: len(self.requests) >= int(arguments[0]), timeout=30)
+                if not self.changed.wait_for(lambda: self.arrived[arguments[0]] >= int(arguments[1]), timeout=30):
+                    return ["they did not arrive"]
         elif command == "release":
             released = self.release_writer
             self.renew_release()
@@ -198,7 +203,7 @@ def main():
     server = Server(sys.argv[1], int(sys.argv[2]))
     print(".", flush=True)
     for line in sys.stdin:
-        command, *arguments = line.split()
+        command, *arguments = shlex.split(line)
         try:
             replies = server.execute(command, arguments)
         except (OSError, ValueError) as failure:

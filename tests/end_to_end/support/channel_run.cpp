@@ -1,0 +1,82 @@
+#include "tests/end_to_end/support/channel_run.h"
+
+#include <cstdio>
+#include <utility>
+
+#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/channel.h"
+#include "tests/end_to_end/support/files.h"
+#include "tests/end_to_end/support/programs.h"
+#include "tests/end_to_end/support/sample_release.h"
+#include "update/release_channel.h"
+
+namespace vorthmere::end_to_end {
+namespace {
+
+constexpr Milliseconds kLineLimit{5'000};
+
+/// What follows a prefix in a line of the probe.
+std::string valueOf(const std::string& prefix, const std::string& line) {
+    EXPECT_EQ(line.substr(0, prefix.size()), prefix);
+    return line.size() < prefix.size() ? "" : line.substr(prefix.size());
+}
+
+}  // namespace
+
+ChannelRun::ChannelRun(std::string runName) : manifest(), name(std::move(runName)) {
+    manifest = scenario.release.manifestText;
+    manifest.url = channelUrl(packageName());
+}
+
+std::string ChannelRun::packageName() const {
+    return std::string(update::kPackageNamePrefix) + name + std::string(update::kPackageNameSuffix);
+}
+
+std::string ChannelRun::inventoryName() const {
+    return packageName() + std::string(update::kInventorySuffix);
+}
+
+void ChannelRun::start(Expectation expectation) {
+    expectation_ = std::move(expectation);
+    installationBefore_ = scenario.takeInstallationSnapshot();
+    protectedBefore_ = scenario.takeProtectedSnapshot();
+    UpdaterCommand command;
+    command.install = windowsPath(scenario.installation);
+    command.window = true;
+    std::vector<std::string> words{"outcome", windowsPath(scenario.installation / update::kUpdaterExecutableName)};
+    for (std::string& word : command.arguments())
+        words.push_back(std::move(word));
+    process_.emplace(wineCommand(probeProgram(), words));
+}
+
+void ChannelRun::finish(Milliseconds timeLimit) {
+    SCOPED_TRACE(name);
+    const ProcessEnd end = process_->wait(timeLimit);
+    ASSERT_FALSE(end.killed) << "the run did not end within " << timeLimit.count() << " ms";
+    valueOf("status=", process_->readLine(kLineLimit));
+    const std::string detail = valueOf("detail=", process_->readLine(kLineLimit));
+    std::array<char, 16> exitLine{};
+    std::snprintf(exitLine.data(), exitLine.size(), "exit=0x%08X", static_cast<unsigned>(expectation_.exitCode));
+    EXPECT_EQ(process_->readLine(kLineLimit), exitLine.data()) << detail;
+
+    EXPECT_EQ(describeDifferences(protectedBefore_, scenario.takeProtectedSnapshot()), "")
+        << "the updater touched what is not its business";
+    if (expectation_.exitCode == 0) {
+        expectUpdated();
+    } else {
+        EXPECT_THAT(detail.substr(0, detail.find("\\n")), expectation_.sentence);
+        expectUntouched();
+    }
+}
+
+void ChannelRun::expectUntouched() const {
+    EXPECT_EQ(describeDifferences(installationBefore_, scenario.takeInstallationSnapshot()), "");
+}
+
+void ChannelRun::expectUpdated() const {
+    EXPECT_EQ(scenario.differencesFrom(sampleRelease42()), "");
+    EXPECT_THAT(readFile(scenario.workFolder / "transfer.txt"),
+                testing::StartsWith("mode=" + expectation_.transferMode + "\r\n"));
+}
+
+}  // namespace vorthmere::end_to_end
