@@ -70,13 +70,13 @@ ChannelRequest requestFor(const std::string& name) {
 
 fs::path channelCertificates() {
     const fs::path folder = KVN_CHANNEL_CERTIFICATES;
-    const fs::path trusted = folder / "trusted";
-    const auto age = [&trusted] { return fs::file_time_type::clock::now() - fs::last_write_time(trusted); };
-    if (exists(trusted) && age() < std::chrono::hours(24)) return folder;
-    fs::remove_all(folder);
-    runTool({kSources + "/scripts/channel-certificates", folder.string()});
+    const auto age = [&folder] { return fs::file_time_type::clock::now() - fs::last_write_time(folder); };
+    if (!exists(folder) || age() > std::chrono::hours(24)) {
+        fs::remove_all(folder);
+        runTool({kSources + "/scripts/channel-certificates", folder.string()});
+    }
+    // Each time, as the prefix may have been made anew since.
     runTool(wineCommand(probeProgram(), {"trust", windowsPath(folder / "authority.der")}));
-    writeFile(trusted, "");
     return folder;
 }
 

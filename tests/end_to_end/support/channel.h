@@ -32,8 +32,8 @@ struct ChannelRequest {
 /// The one request that the updater makes for a file.
 [[nodiscard]] ChannelRequest requestFor(const std::string& name);
 
-/// The folder of the certificates of this run of the tests. The first test that asks has them made, and has the good
-/// authority trusted in the tests' Wine prefix.
+/// The folder of the certificates of this run of the tests. The first test that asks has them made, and
+/// every one has the good authority trusted in the tests' Wine prefix.
 ///
 /// @throws std::runtime_error when one of these is not possible
 [[nodiscard]] std::filesystem::path channelCertificates();
