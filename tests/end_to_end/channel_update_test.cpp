@@ -2,8 +2,12 @@
 
 #include <gmock/gmock.h>
 
+#include <sstream>
+
 #include "tests/end_to_end/support/base_test.h"
 #include "tests/end_to_end/support/channel.h"
+#include "tests/end_to_end/support/files.h"
+#include "tests/end_to_end/support/programs.h"
 #include "tests/end_to_end/support/sample_release.h"
 #include "update/release_channel.h"
 
@@ -55,6 +59,30 @@ TEST_F(ChannelUpdateTest, WithoutAnInventoryTheCompletePackageIsAskedFor) {
     expectRelease42();
     EXPECT_THAT(channel.requests(), ElementsAre(requestFor(manifest), requestFor(inventory), requestFor(package)));
     EXPECT_EQ(transferReport(), "mode=full\r\nbytes=" + scenario.release.manifestText.size + "\r\n");
+}
+
+TEST(ChannelHandles, HundredsOfDownloadsLeaveNoHandleOpen) {
+    update::testing::TemporaryFolder folder;
+    writeFile(folder / "good", "content");
+    writeFile(folder / "large", std::string(1001, 'l'));
+    const PlainChannel channel(folder.path());
+    ChildProcess probe(
+        wineCommand(probeProgram(), {"download-loop", "100", windowsPath(folder / "target"), channelUrl("good"),
+                                     channelUrl("large"), channelUrl("missing"), "https://localhost:1/refused"}));
+    const auto fieldsOf = [](const std::string& line) {
+        std::vector<std::string> fields;
+        std::istringstream text(line);
+        for (std::string field; std::getline(text, field, '\t');)
+            fields.push_back(field);
+        return fields;
+    };
+    const std::vector<std::string> before = fieldsOf(probe.readLine(Milliseconds(60'000)));
+    const std::vector<std::string> after = fieldsOf(probe.readLine(Milliseconds(120'000)));
+    ASSERT_EQ(before.size(), 4U);
+    ASSERT_EQ(after.size(), 4U);
+    EXPECT_EQ(before[1], after[1]) << "handles of the process";
+    EXPECT_EQ(before[2], after[2]) << "handles of WinHTTP";
+    EXPECT_EQ(after[3], "105") << "successful downloads";
 }
 
 }  // namespace

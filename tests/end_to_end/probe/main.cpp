@@ -15,10 +15,15 @@ struct Subcommand {
 };
 
 constexpr std::array kSubcommands = {
-    Subcommand{L"download", download}, Subcommand{L"idle", idle},
-    Subcommand{L"lock", lock},         Subcommand{L"message-box", messageBox},
-    Subcommand{L"outcome", outcome},   Subcommand{L"run", run},
-    Subcommand{L"trust", trust},       Subcommand{L"window", window},
+    Subcommand{L"download", download},
+    Subcommand{L"download-loop", downloadLoop},
+    Subcommand{L"idle", idle},
+    Subcommand{L"lock", lock},
+    Subcommand{L"message-box", messageBox},
+    Subcommand{L"outcome", outcome},
+    Subcommand{L"run", run},
+    Subcommand{L"trust", trust},
+    Subcommand{L"window", window},
 };
 
 }  // namespace

@@ -20,6 +20,11 @@ inline constexpr int kUsageError = 64;
 ///   "file LIMIT URL"  downloadHttpsFile() into that file
 int download(Arguments arguments);
 
+/// download-loop ROUNDS FILE URL...: downloads every URL in each of so many rounds into the file, at most 1000 bytes,
+/// and prints two lines, after a few rounds to warm up and in the end: "before" or "after", the handles of the process,
+/// the highest of some new WinHTTP handles, and how many downloads have succeeded, separated by tabs.
+int downloadLoop(Arguments arguments);
+
 /// idle: prints its own process id and runs until the end of standard input: a process to be waited for.
 int idle(Arguments arguments);
 
