@@ -38,8 +38,8 @@ std::wstring unixArgument(const std::filesystem::path& path) {
     return L" \"" + std::wstring(text.begin(), text.end()) + L"\"";
 }
 
-/// Runs one command of the Unix shell and waits for it: Wine gives no handle of a Unix program, so a file that the shell
-/// creates behind the command tells of its end.
+/// Runs one command of the Unix shell and waits for it: Wine gives no handle of a Unix program, so a file that the
+/// shell creates behind the command tells of its end.
 void runUnixCommand(const std::wstring& command) {
     const TemporaryFolder folder;
     const std::filesystem::path done = folder / L"done";
@@ -48,8 +48,8 @@ void runUnixCommand(const std::wstring& command) {
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION started{};
-    if (!CreateProcessW(L"\\\\?\\unix\\bin\\sh", commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                        &started))
+    if (!CreateProcessW(L"\\\\?\\unix\\bin\\sh", commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                        &startup, &started))
         throw std::runtime_error("cannot start the Unix shell");
     const KernelHandle process(started.hProcess);
     const KernelHandle thread(started.hThread);

@@ -12,13 +12,10 @@
 #include "tests/support/temporary_folder.h"
 
 #ifndef _WIN32
-#include <fcntl.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/syscall.h>
-#include <unistd.h>
 #endif
 
 namespace vorthmere::update {
@@ -118,54 +115,35 @@ TEST(MetadataFile, IsReadThroughALink) {
     expectBadSize(folder / "dangling", 8192);
 }
 
-// With no descriptor left the size can still be asked for, but no file can be opened, whoever runs the tests.
-class NoDescriptorLeft {
-public:
-    NoDescriptorLeft() {
-        getrlimit(RLIMIT_NOFILE, &saved_);
-        const int lowestFree = open("/dev/null", O_RDONLY | O_CLOEXEC);
-        close(lowestFree);
-        const rlimit none{static_cast<rlim_t>(lowestFree), saved_.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &none);
-    }
-    ~NoDescriptorLeft() {
-        setrlimit(RLIMIT_NOFILE, &saved_);
-    }
-    NoDescriptorLeft(const NoDescriptorLeft&) = delete;
-    NoDescriptorLeft& operator=(const NoDescriptorLeft&) = delete;
-
-private:
-    rlimit saved_{};
-};
-
-TEST(MetadataFile, SaysSoWhenItCannotBeOpened) {
-    const TemporaryFolder folder;
-    writeFile(folder / "file", "content");
-    std::string contents;
-    std::wstring error;
-    bool read = true;
-    bool readWithLowLimit = true;
-    std::wstring errorWithLowLimit;
-    {
-        const NoDescriptorLeft limit;
-        read = readMetadataFile(folder / "file", contents, error, 7);
-        readWithLowLimit = readMetadataFile(folder / "file", contents, errorWithLowLimit, 6);
-    }
-    EXPECT_FALSE(read);
-    EXPECT_EQ(error, kUnreadable);
-    EXPECT_FALSE(readWithLowLimit);
-    EXPECT_EQ(errorWithLowLimit, kBadSize);
-    expectContents(folder / "file", "content", 7);
-}
-
-// From here on every read of the calling thread fails; files can still be opened.
-bool makeReadsFail() {
+// From here on every call of the calling thread with this number fails.
+bool makeSystemCallFail(unsigned int number, int errorCode) {
     sock_filter filter[] = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-                            BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_read, 0, 1),
-                            BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EIO),
+                            BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 1),
+                            BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | static_cast<unsigned int>(errorCode)),
                             BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
     const sock_fprog program{std::size(filter), filter};
     return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
+// The size can still be asked for, but no file can be opened, whoever runs the tests.
+TEST(MetadataFile, SaysSoWhenItCannotBeOpened) {
+    const TemporaryFolder folder;
+    writeFile(folder / "file", "content");
+    bool opensFail = false;
+    bool read = true;
+    std::wstring error;
+    std::wstring errorWithLowLimit;
+    std::thread([&] {
+        std::string contents;
+        opensFail = makeSystemCallFail(SYS_openat, EACCES);
+        read = readMetadataFile(folder / "file", contents, error, 7) ||
+               readMetadataFile(folder / "file", contents, errorWithLowLimit, 6);
+    }).join();
+    ASSERT_TRUE(opensFail);
+    EXPECT_FALSE(read);
+    EXPECT_EQ(error, kUnreadable);
+    EXPECT_EQ(errorWithLowLimit, kBadSize);
+    expectContents(folder / "file", "content", 7);
 }
 
 TEST(MetadataFile, LeavesTheSentenceToTheCallerWhenReadingBreaksOff) {
@@ -177,7 +155,7 @@ TEST(MetadataFile, LeavesTheSentenceToTheCallerWhenReadingBreaksOff) {
     std::wstring earlierError = L"An earlier sentence.";
     std::thread([&] {
         std::string contents;
-        readsFail = makeReadsFail();
+        readsFail = makeSystemCallFail(SYS_read, EIO);
         read = readMetadataFile(folder / "file", contents, error, 7) ||
                readMetadataFile(folder / "file", contents, earlierError, 7);
     }).join();
