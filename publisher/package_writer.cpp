@@ -56,7 +56,6 @@ public:
         // Output that is no file of the library's own is padded to whole blocks unless the last one may be short.
         const bool opened =
             archive_write_set_format_zip(zip) == ARCHIVE_OK &&
-            archive_write_set_format_option(zip, "zip", "compression", "deflate") == ARCHIVE_OK &&
             archive_write_set_format_option(zip, "zip", "compression-level", kDeflateLevel) == ARCHIVE_OK &&
             archive_write_set_bytes_per_block(zip, static_cast<int>(kBlockBytes)) == ARCHIVE_OK &&
             archive_write_set_bytes_in_last_block(zip, 1) == ARCHIVE_OK &&
@@ -72,7 +71,9 @@ public:
         archive_entry_set_filetype(entry.get(), AE_IFREG);
         archive_entry_set_perm(entry.get(), kFileMode);
         archive_entry_set_size(entry.get(), static_cast<la_int64_t>(file.entry.size));
-        if (archive_write_header(zip_.get(), entry.get()) != ARCHIVE_OK) return fail(error);
+        const int chosen = file.worthDeflating ? archive_write_zip_set_compression_deflate(zip_.get())
+                                               : archive_write_zip_set_compression_store(zip_.get());
+        if (chosen != ARCHIVE_OK || archive_write_header(zip_.get(), entry.get()) != ARCHIVE_OK) return fail(error);
         const ContentSink pack = [&](std::span<const char> bytes) {
             const la_ssize_t written = archive_write_data(zip_.get(), bytes.data(), bytes.size());
             if (written != static_cast<la_ssize_t>(bytes.size())) return fail(error);

@@ -16,7 +16,8 @@ struct PackageFacts {
 };
 
 /// Packs a release into a zip archive, in the order of the files and with nothing in it but the files: no folders, no
-/// times, fixed attributes. The same files give the same bytes on every machine with the same libraries.
+/// times, fixed attributes; deflated unless the file says that it is not worth it. The same files give the same bytes
+/// on every machine with the same libraries.
 ///
 /// @param target  created or replaced; complete and on the disk on success, a part of it may be left on failure
 /// @param facts   size and digest of what was written

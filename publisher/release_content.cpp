@@ -2,6 +2,7 @@
 
 #include <fstream>
 
+#include "publisher/deflate_trial.h"
 #include "publisher/in_quotes.h"
 #include "publisher/parallel_work.h"
 #include "publisher/sha256.h"
@@ -41,13 +42,16 @@ bool hashReleaseFiles(std::vector<ReleaseFile>& files, const BytesDone& done, st
         [&](std::size_t index, std::string& fault) {
             ReleaseFile& file = files[index];
             Sha256 digest;
+            DeflateTrial trial;
             const ContentSink hash = [&](std::span<const char> bytes) {
                 digest.add(bytes);
+                trial.add(bytes);
                 done(bytes.size());
                 return true;
             };
             if (!readContent(file, hash, fault)) return false;
             file.entry.sha256 = digest.finish();
+            file.worthDeflating = trial.isWorthIt();
             return true;
         },
         error);
