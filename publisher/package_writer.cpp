@@ -8,7 +8,6 @@
 
 #include "publisher/durable_files.h"
 #include "publisher/sha256.h"
-#include "update/manifest.h"
 
 namespace vorthmere::publish {
 namespace {
@@ -27,19 +26,20 @@ struct ArchiveRelease {
 
 /// The archive's bytes on their way to the disk.
 struct PackageOutput {
-    OutputFile file;
-    Sha256 digest;
+    const std::uint64_t maxBytes;
+    OutputFile file = {};
+    Sha256 digest = {};
     std::uint64_t size = 0;
-    std::string fault;
+    std::string fault = {};
 };
 
 la_ssize_t takeBytes(archive*, void* context, const void* bytes, std::size_t count) {
     auto& output = *static_cast<PackageOutput*>(context);
     const std::span<const char> span(static_cast<const char*>(bytes), count);
     output.size += count;
-    if (output.size > update::kMaxPackageBytes)
-        output.fault = "The package would be larger than " + std::to_string(update::kMaxPackageBytes) +
-                       " bytes (512 MiB), which is the most that the updater accepts.";
+    if (output.size > output.maxBytes)
+        output.fault = "The package would be larger than " + std::to_string(output.maxBytes) +
+                       " bytes, which is the most that the updater accepts.";
     else if (output.file.write(span, output.fault))
         output.digest.add(span);
     return output.fault.empty() ? static_cast<la_ssize_t>(count) : -1;
@@ -101,9 +101,9 @@ private:
 
 }  // namespace
 
-bool writePackage(const std::vector<ReleaseFile>& files, const std::filesystem::path& target, PackageFacts& facts,
-                  const BytesDone& done, std::string& error) {
-    PackageOutput output;
+bool writePackage(const std::vector<ReleaseFile>& files, const std::filesystem::path& target, std::uint64_t maxBytes,
+                  PackageFacts& facts, const BytesDone& done, std::string& error) {
+    PackageOutput output{maxBytes};
     PackageWriter writer(output);
     if (!output.file.create(target, error) || !writer.open(error)) return false;
     for (const ReleaseFile& file : files)

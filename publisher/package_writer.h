@@ -20,10 +20,11 @@ struct PackageFacts {
 /// on every machine with the same libraries.
 ///
 /// @param target  created or replaced; complete and on the disk on success, a part of it may be left on failure
+/// @param maxBytes largest package that is allowed
 /// @param facts   size and digest of what was written
 /// @param done    told the bytes of content that were packed
-/// @param error   receives the sentence of a failure, among them that the package outgrows what a manifest may announce
+/// @param error   receives the sentence of a failure, among them that the package outgrows `maxBytes`
 [[nodiscard]] bool writePackage(const std::vector<ReleaseFile>& files, const std::filesystem::path& target,
-                                PackageFacts& facts, const BytesDone& done, std::string& error);
+                                std::uint64_t maxBytes, PackageFacts& facts, const BytesDone& done, std::string& error);
 
 }  // namespace vorthmere::publish

@@ -40,7 +40,7 @@ bool stageContent(const std::vector<ReleaseFile>& files, const std::vector<const
         2,
         [&](std::size_t job, std::string& fault) {
             if (job == 0) {
-                const bool packed = writePackage(files, package, facts, done, fault);
+                const bool packed = writePackage(files, package, update::kMaxPackageBytes, facts, done, fault);
                 packingFailed = !packed;
                 return packed;
             }

@@ -1,0 +1,130 @@
+#include "publisher/check_channel.h"
+
+#include <gmock/gmock.h>
+
+#include <sstream>
+
+#include "tests/unit/publisher/publishing.h"
+
+namespace vorthmere::publish::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::AllOf;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
+using update::testing::readFile;
+using update::testing::writeFile;
+
+class CheckChannelTest : public PublishingTest {
+protected:
+    void SetUp() override {
+        publish(41);
+        putFile("data/level one.pak", "level one, mended");
+        publish(42);
+    }
+
+    [[nodiscard]] std::vector<std::string> faults() const {
+        std::ostringstream output;
+        Console console(output, false);
+        const Tree before = readTree(channel);
+        std::vector<std::string> found = checkChannel(channel, console);
+        EXPECT_EQ(readTree(channel), before);
+        return found;
+    }
+
+    void flipLastByte(const fs::path& file) const {
+        std::string content = readFile(file);
+        content.back() = static_cast<char>(content.back() ^ 1);
+        writeFile(file, content);
+    }
+
+    const fs::path package = channel / "KVN-release-42.zip";
+    const fs::path list = channel / "KVN-release-42.zip.files";
+};
+
+TEST_F(CheckChannelTest, SoundChannelHasNoFaults) {
+    EXPECT_THAT(faults(), IsEmpty());
+}
+
+TEST_F(CheckChannelTest, FilesOfFormerReleasesAreNotNeeded) {
+    fs::remove(channel / "KVN-release-41.zip");
+    fs::remove(channel / "KVN-release-41.zip.files");
+    EXPECT_THAT(faults(), IsEmpty());
+}
+
+TEST_F(CheckChannelTest, MissingManifest) {
+    fs::remove(channel / "KVN-alpha.manifest");
+    EXPECT_THAT(faults(), ElementsAre("\"KVN-alpha.manifest\" is missing."));
+}
+
+TEST_F(CheckChannelTest, ManifestThatTheUpdaterRefuses) {
+    writeFile(channel / "KVN-alpha.manifest", readFile(channel / "KVN-alpha.manifest") + "extra=1\n");
+    EXPECT_THAT(faults(), ElementsAre("\"KVN-alpha.manifest\" would be refused by the updater: Manifest contains an "
+                                      "unknown field."));
+    writeFile(channel / "KVN-alpha.manifest", "");
+    EXPECT_THAT(faults(), ElementsAre(HasSubstr("invalid size")));
+}
+
+TEST_F(CheckChannelTest, MissingPackage) {
+    fs::remove(package);
+    EXPECT_THAT(faults(), ElementsAre("\"KVN-release-42.zip\" is missing."));
+}
+
+TEST_F(CheckChannelTest, PackageOfTheWrongSize) {
+    const auto size = fs::file_size(package);
+    fs::resize_file(package, size - 1);
+    EXPECT_THAT(faults(), ElementsAre("\"KVN-release-42.zip\" has " + std::to_string(size - 1) + " bytes instead of " +
+                                      std::to_string(size) + "."));
+}
+
+TEST_F(CheckChannelTest, CorruptPackage) {
+    flipLastByte(package);
+    EXPECT_THAT(faults(), ElementsAre(HasSubstr("\"KVN-release-42.zip\" is corrupt")));
+}
+
+TEST_F(CheckChannelTest, MissingInventory) {
+    fs::remove(list);
+    EXPECT_THAT(faults(), ElementsAre("\"KVN-release-42.zip.files\" is missing."));
+}
+
+TEST_F(CheckChannelTest, InventoryOfAnotherRelease) {
+    fs::copy_file(channel / "KVN-release-41.zip.files", list, fs::copy_options::overwrite_existing);
+    EXPECT_THAT(faults(), ElementsAre("\"KVN-release-42.zip.files\" would be refused by the updater: File inventory "
+                                      "does not match the selected release."));
+}
+
+TEST_F(CheckChannelTest, InventoryThatNamesOtherContentThanThePackageHolds) {
+    std::string text = readFile(list);
+    const std::size_t line = text.find("data/nothing.txt");
+    text.insert(text.find('\n', line) + 1,
+                "data/other.txt\t0\te3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855\n");
+    writeFile(list, text);
+    EXPECT_THAT(faults(),
+                UnorderedElementsAre("\"KVN-release-42.zip\": \"data/other.txt\" is missing in the package.",
+                                     "\"KVN_MANAGED_FILES.txt\" and the file inventory do not name the same files."));
+}
+
+TEST_F(CheckChannelTest, MissingWrongSizedAndCorruptObjectsAreAllNamed) {
+    fs::remove(objectOf("data/level one.pak"));
+    fs::resize_file(objectOf("Vorthmere.exe"), 3);
+    flipLastByte(objectOf("data/sound/theme.ogg"));
+    fs::remove(objectOf("KVNUpdater.exe"));
+    fs::create_directory(objectOf("KVNUpdater.exe"));
+    EXPECT_THAT(faults(),
+                UnorderedElementsAre(AllOf(HasSubstr("data/level one.pak"), HasSubstr(".bin\" is missing.")),
+                                     AllOf(HasSubstr("Vorthmere.exe"), HasSubstr("has 3 bytes instead of 8.")),
+                                     AllOf(HasSubstr("theme.ogg"), HasSubstr("is corrupt")),
+                                     AllOf(HasSubstr("KVNUpdater.exe"), HasSubstr("is not a regular file."))));
+}
+
+TEST_F(CheckChannelTest, FolderThatIsNoChannel) {
+    std::ostringstream output;
+    Console console(output, false);
+    EXPECT_THAT(checkChannel(folder / "nowhere", console), ElementsAre("\"KVN-alpha.manifest\" is missing."));
+}
+
+}  // namespace
+}  // namespace vorthmere::publish::testing
