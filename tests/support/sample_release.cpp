@@ -32,12 +32,11 @@ std::string sha256Of(std::string_view bytes) {
     std::array<UCHAR, 32> digest{};
     std::string content(bytes);
     BCRYPT_ALG_HANDLE provider = nullptr;
-    const bool hashed =
-        BCRYPT_SUCCESS(BCryptOpenAlgorithmProvider(&provider, BCRYPT_SHA256_ALGORITHM, nullptr, 0)) &&
-        BCRYPT_SUCCESS(BCryptHash(provider, nullptr, 0, reinterpret_cast<PUCHAR>(content.data()),
-                                  static_cast<ULONG>(content.size()), digest.data(),
-                                  static_cast<ULONG>(digest.size()))) &&
-        BCRYPT_SUCCESS(BCryptCloseAlgorithmProvider(provider, 0));
+    const bool hashed = BCRYPT_SUCCESS(BCryptOpenAlgorithmProvider(&provider, BCRYPT_SHA256_ALGORITHM, nullptr, 0)) &&
+                        BCRYPT_SUCCESS(BCryptHash(provider, nullptr, 0, reinterpret_cast<PUCHAR>(content.data()),
+                                                  static_cast<ULONG>(content.size()), digest.data(),
+                                                  static_cast<ULONG>(digest.size()))) &&
+                        BCRYPT_SUCCESS(BCryptCloseAlgorithmProvider(provider, 0));
     if (!hashed) throw std::runtime_error("no SHA-256");
     std::string text;
     for (const UCHAR byte : digest)

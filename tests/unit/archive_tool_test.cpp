@@ -166,15 +166,16 @@ TEST_F(ArchiveToolTest, TheSystemsToolListsAndUnpacksAPackage) {
 
     const std::filesystem::path target = folder / L"the target";
     std::filesystem::create_directory(target);
-    ASSERT_TRUE(runArchiveTool(realTool(), {L"-xf", package.native(), L"-C", target.native()}, folder.path(), output,
-                               error))
+    ASSERT_TRUE(
+        runArchiveTool(realTool(), {L"-xf", package.native(), L"-C", target.native()}, folder.path(), output, error))
         << output;
     EXPECT_EQ(testing::readTree(target), files);
 }
 
 TEST_F(ArchiveToolTest, TheSystemsToolRejectsWhatIsNoArchive) {
     writeFile(folder / L"package.zip", "not a zip");
-    EXPECT_FALSE(runArchiveTool(realTool(), {L"-tf", (folder / L"package.zip").native()}, folder.path(), output, error));
+    EXPECT_FALSE(
+        runArchiveTool(realTool(), {L"-tf", (folder / L"package.zip").native()}, folder.path(), output, error));
     EXPECT_EQ(error, L"The Windows archive tool rejected the update package.");
     EXPECT_NE(output, "");
 }

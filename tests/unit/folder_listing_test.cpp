@@ -66,7 +66,8 @@ TEST_F(FolderListingTest, AMissingFolderAndAFileAreFailures) {
     writeFile(folder / L"file", "");
     EXPECT_TRUE(listFolder(folder / L"file", failure).empty());
     EXPECT_TRUE(failure);
-    EXPECT_FALSE(walkTree(folder / L"missing", [](const auto&) { return true; }, failure));
+    EXPECT_FALSE(walkTree(
+        folder / L"missing", [](const auto&) { return true; }, failure));
     EXPECT_TRUE(failure);
 }
 
@@ -95,7 +96,8 @@ TEST_F(FolderListingTest, TheWalkVisitsALinkAndDoesNotEnterIt) {
 TEST_F(FolderListingTest, TheWalkStopsWhenItIsToldTo) {
     writeFile(folder / L"a" / L"b.txt", "");
     int visits = 0;
-    EXPECT_FALSE(walkTree(folder.path(), [&](const auto&) { return ++visits < 2; }, failure));
+    EXPECT_FALSE(walkTree(
+        folder.path(), [&](const auto&) { return ++visits < 2; }, failure));
     EXPECT_EQ(visits, 2);
     EXPECT_FALSE(failure);
 }

@@ -137,8 +137,8 @@ TEST_F(IncrementalStagingTest, WithEverythingInstalledAllFilesAreReusedAndNoneFe
     ASSERT_TRUE(stage()) << error;
     EXPECT_EQ(readFile(work / L"transfer.txt"), "mode=incremental\r\nreused=6\r\ndownloaded=0\r\nbytes=0\r\n");
     EXPECT_EQ(readTree(staging), newFiles);
-    EXPECT_EQ(progress.steps(), (Steps{{L"Checking installed files...", 9},
-                                       {L"Changed files verified; unchanged files reused.", 84}}));
+    EXPECT_EQ(progress.steps(),
+              (Steps{{L"Checking installed files...", 9}, {L"Changed files verified; unchanged files reused.", 84}}));
 }
 
 TEST_F(IncrementalStagingTest, AChangedEmptyFileIsFetchedThoughThereIsNoByteToFetch) {
@@ -293,7 +293,7 @@ TEST_F(IncrementalStagingTest, AReusedFileIsVerifiedWhereItWasPut) {
 TEST_F(IncrementalStagingTest, AListThatNamesOtherFilesThanTheInventoryFails) {
     const std::string list = newFiles.at("KVN_MANAGED_FILES.txt");
     for (const std::string& other :
-         {list + "one/more\n",                                           // one more
+         {list + "one/more\n",                                                                           // one more
           list.substr(0, list.find("data/maps")) + "data/same in every release.pak\nkvn_release.txt\n",  // one less
           std::string("VORTHMERE.EXE\n") + list}) {
         std::filesystem::remove_all(staging);

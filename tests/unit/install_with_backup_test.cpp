@@ -251,7 +251,8 @@ TEST_F(InstallWithBackupTest, AnInstallationFolderThatCannotBePreparedIsRolledBa
     writeFile(install / "more", "an unmanaged file where a folder is needed");
     EXPECT_FALSE(run(oldList, {"Vorthmere.exe", "data/kept.pak", "more/deep/added.pak"}));
     EXPECT_EQ(error, kNoFolder);
-    EXPECT_EQ(readTree(install), with(with(oldFiles, unmanaged), {{"more", "an unmanaged file where a folder is needed"}}));
+    EXPECT_EQ(readTree(install),
+              with(with(oldFiles, unmanaged), {{"more", "an unmanaged file where a folder is needed"}}));
     EXPECT_EQ(readTree(backup), FileTree{});
 }
 

@@ -162,8 +162,8 @@ TEST_F(InstallationCheckTest, NothingIsWritten) {
     expectAccepted(install);
     expectRefused(folder / L"missing");
     EXPECT_EQ(testing::readTree(folder.path()), (FileTree{{"a game/Vorthmere.exe", "game"},
-                                                         {"a game/KVNUpdater.exe", "updater"},
-                                                         {"a game/KVN_MANAGED_FILES.txt", "list"}}));
+                                                          {"a game/KVNUpdater.exe", "updater"},
+                                                          {"a game/KVN_MANAGED_FILES.txt", "list"}}));
 }
 
 }  // namespace

@@ -57,9 +57,7 @@ TEST_F(UniqueHandleTest, ClosesNothingWhenItHoldsNone) {
 
 TEST_F(UniqueHandleTest, KeepsTheLastErrorWhenItCloses) {
     SetLastError(ERROR_ACCESS_DENIED);
-    {
-        const NumberHandle handle(7);
-    }
+    { const NumberHandle handle(7); }
     EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
     NumberHandle handle(8);
     handle.reset();

@@ -104,8 +104,8 @@ TEST_F(UpdateRunHandOverTest, Code26AProcessThatMayNotBeOpenedCannotBeWaitedFor)
     publishSampleRelease();
     // Owned by the system, closed to everybody.
     SECURITY_ATTRIBUTES security{sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
-    ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(
-        L"O:SYG:SYD:P(D;;0x1fffff;;;WD)", SDDL_REVISION_1, &security.lpSecurityDescriptor, nullptr));
+    ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(L"O:SYG:SYD:P(D;;0x1fffff;;;WD)", SDDL_REVISION_1,
+                                                                     &security.lpSecurityDescriptor, nullptr));
     const NamedEvent mayEnd;
     const ChildProcess game(childProgram(), {L"wait", mayEnd.name()}, &security);
     LocalFree(security.lpSecurityDescriptor);

@@ -83,8 +83,7 @@ TEST_F(UpdateRunPackageTest, Code18AnotherDigestIsRefusedBeforeThePackageIsListe
 TEST_F(UpdateRunPackageTest, Code18APackageThatCannotBeHashedShowsTheHashingSentence) {
     publishSampleRelease();
     std::unique_ptr<HeldFile> held;
-    progress.at(L"Verifying package integrity...",
-                [&] { held = std::make_unique<HeldFile>(work / L"package.zip"); });
+    progress.at(L"Verifying package integrity...", [&] { held = std::make_unique<HeldFile>(work / L"package.zip"); });
     expectFailureAt(L"Verifying package integrity...", 18, L"Unable to read the downloaded update archive.");
 }
 
@@ -115,9 +114,9 @@ TEST_F(UpdateRunPackageTest, Code21AnUnsafePathInTheListingIsRefusedBeforeAnythi
     files["dkvn-update/x"] = "";
     package(files);
     const std::string packed = readFile(release->packageFile);
-    for (const auto& [safe, unsafe] : {std::pair("kvn_release.txt", "kvn+release.txt"),
-                                       std::pair("kvn_release.txt", "../_release.txt"),
-                                       std::pair("data/maps", "data\\maps"), std::pair("dkvn-update", ".KVN-update")}) {
+    for (const auto& [safe, unsafe] :
+         {std::pair("kvn_release.txt", "kvn+release.txt"), std::pair("kvn_release.txt", "../_release.txt"),
+          std::pair("data/maps", "data\\maps"), std::pair("dkvn-update", ".KVN-update")}) {
         writeFile(release->packageFile, withNamesReplaced(packed, safe, unsafe));
         release->describePackage();
         expectFailureAt(L"Inspecting the update package...", 21, L"The update archive contains an unsafe path.");

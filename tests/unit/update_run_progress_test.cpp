@@ -65,8 +65,7 @@ TEST_F(UpdateRunProgressTest, AnIncrementalUpdateTakesTheseSteps) {
         total += newFiles.at(path).size();
     std::uint64_t done = 0;
     for (std::size_t i = 0; i < changed.size(); ++i) {
-        expected.emplace_back(L"Downloading changed files (" + std::to_wstring(i + 1) + ofFour,
-                              12 + done * 65 / total);
+        expected.emplace_back(L"Downloading changed files (" + std::to_wstring(i + 1) + ofFour, 12 + done * 65 / total);
         done += newFiles.at(changed[i]).size();
     }
     expected.emplace_back(L"Changed files verified; unchanged files reused.", 84);
