@@ -1,5 +1,4 @@
-// A game that tells how it was started: it writes "last start.txt" into the folder of its own program and ends. With
-// one argument, a number, it keeps running for that many milliseconds.
+// A game that tells how it was started, in the file that KVN_GAME_REPORT names, and ends.
 #include <windows.h>
 
 #include <cstdio>
@@ -11,12 +10,6 @@ std::wstring currentFolder() {
     std::wstring folder(GetCurrentDirectoryW(0, nullptr), L'\0');
     folder.resize(GetCurrentDirectoryW(static_cast<DWORD>(folder.size()), folder.data()));
     return folder;
-}
-
-std::wstring programPath() {
-    std::wstring path(32768, L'\0');
-    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
-    return path;
 }
 
 /// Pipes among this process's handles: it opens none itself, so whatever is found was inherited.
@@ -39,20 +32,18 @@ void writeLine(FILE* file, const char* key, const std::wstring& value) {
 
 }  // namespace
 
-int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR arguments, int) {
-    // Counted before the report is opened, and reported under its final name only when it is complete.
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
+    // Counted before the report is opened.
     const int pipes = countPipes();
-    const std::wstring program = programPath();
-    const std::wstring folder = program.substr(0, program.find_last_of(L'\\') + 1);
-    const std::wstring incoming = folder + L"last start.new";
+    const wchar_t* name = _wgetenv(L"KVN_GAME_REPORT");
+    if (!name) return 1;
+    // Under its final name only when it is complete.
+    const std::wstring incoming = std::wstring(name) + L".new";
     FILE* report = _wfopen(incoming.c_str(), L"wb");
     if (!report) return 1;
     writeLine(report, "command line", GetCommandLineW());
     writeLine(report, "current folder", currentFolder());
-    writeLine(report, "pipes", std::to_wstring(pipes));
-    writeLine(report, "process", std::to_wstring(GetCurrentProcessId()));
+    writeLine(report, "inherited pipes", std::to_wstring(pipes));
     std::fclose(report);
-    MoveFileExW(incoming.c_str(), (folder + L"last start.txt").c_str(), MOVEFILE_REPLACE_EXISTING);
-    Sleep(static_cast<DWORD>(_wtoi(arguments)));
-    return 0;
+    return MoveFileExW(incoming.c_str(), name, MOVEFILE_REPLACE_EXISTING) ? 0 : 1;
 }

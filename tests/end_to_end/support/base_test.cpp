@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "tests/end_to_end/support/files.h"
+#include "tests/end_to_end/support/folder_watch.h"
 #include "tests/end_to_end/support/programs.h"
 #include "tests/end_to_end/support/sample_release.h"
 #include "update/release_channel.h"
@@ -13,7 +14,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr Milliseconds kRunLimit{120'000};
-constexpr Milliseconds kLockLimit{60'000};
+constexpr Milliseconds kProbeLimit{60'000};
 
 std::vector<std::string> windowsPaths(const std::vector<fs::path>& files) {
     std::vector<std::string> names{"lock"};
@@ -42,14 +43,14 @@ std::vector<std::string> UpdaterCommand::arguments() const {
     return words;
 }
 
-EndToEndTest::EndToEndTest(const std::string& installationName)
-    : scenario(installationName), updater_(scenario.installation / update::kUpdaterExecutableName) {}
+EndToEndTest::EndToEndTest(const ScenarioOptions& options)
+    : scenario(options), updater_(scenario.installation / update::kUpdaterExecutableName) {}
 
 EndToEndTest::~EndToEndTest() = default;
 
 void EndToEndTest::TearDown() {
     if (IsSkipped()) return;
-    EXPECT_TRUE(protectedBefore_) << "the test never started the updater";
+    EXPECT_TRUE(started_) << "the test never started the updater";
     finishRun();
 }
 
@@ -66,8 +67,12 @@ UpdaterCommand EndToEndTest::command(Source source) const {
 }
 
 ChildProcess EndToEndTest::startUpdater(const std::vector<std::string>& arguments) {
+    finishRun();
+    started_ = true;
     protectedBefore_ = scenario.takeProtectedSnapshot();
     ProcessOptions options;
+    options.environment = environment_;
+    options.environment.push_back("KVN_GAME_REPORT=" + windowsPath(scenario.gameReport));
     options.currentFolder = currentFolder_;
     options.outputFile = "/dev/null";
     return ChildProcess(wineCommand(updater_, arguments), options);
@@ -77,6 +82,7 @@ void EndToEndTest::finishRun() {
     if (!protectedBefore_) return;
     EXPECT_EQ(describeDifferences(*protectedBefore_, scenario.takeProtectedSnapshot()), "")
         << "the updater touched what is not its business";
+    protectedBefore_.reset();
 }
 
 int EndToEndTest::runUpdater(const UpdaterCommand& command) {
@@ -86,6 +92,37 @@ int EndToEndTest::runUpdater(const UpdaterCommand& command) {
     lastDuration_ = end.duration;
     finishRun();
     return end.exitCode;
+}
+
+int EndToEndTest::runUpdater(UpdaterCommand command, const std::function<void()>& whileItWaits) {
+    OpenGame game;
+    command.parent = game.processId();
+    FolderWatch watch;
+    watch.add(scenario.installation, IN_CREATE | IN_CLOSE_NOWRITE);
+    ChildProcess updater = startUpdater(command);
+    if (waitUntilReadyToInstall(watch))
+        whileItWaits();
+    else
+        ADD_FAILURE() << "the updater never waited for the game";
+    game.close();
+    const ProcessEnd end = updater.wait(kRunLimit);
+    EXPECT_FALSE(end.killed) << "the updater did not end in time, or crashed";
+    lastDuration_ = end.duration;
+    finishRun();
+    return end.exitCode;
+}
+
+// The transfer report is written when the release is staged; the last thing done before the game is waited for is to
+// read the installed list.
+bool EndToEndTest::waitUntilReadyToInstall(FolderWatch& watch) const {
+    bool staged = false;
+    while (const std::optional<FolderEvent> event = watch.next(kRunLimit)) {
+        if (event->path == scenario.workFolder && (event->what & IN_CREATE) != 0)
+            watch.add(scenario.workFolder, IN_CLOSE_WRITE);
+        if (event->path == scenario.workFolder / "transfer.txt") staged = true;
+        if (staged && event->path == scenario.installation / update::kManagedFileListName) return true;
+    }
+    return false;
 }
 
 void EndToEndTest::expectRelease41() const {
@@ -117,8 +154,22 @@ std::vector<std::string> EndToEndTest::workFolderContent() const {
     return names;
 }
 
+OpenGame::OpenGame() : probe_(wineCommand(probeProgram(), {"idle"})), processId_(probe_.readLine(kProbeLimit)) {
+    if (processId_.empty()) throw std::runtime_error("the game could not be started");
+}
+
+void OpenGame::close() {
+    probe_.closeInput();
+    if (probe_.wait(kProbeLimit).killed) throw std::runtime_error("the game did not end");
+}
+
 FileLock::FileLock(const std::vector<fs::path>& files) : probe_(wineCommand(probeProgram(), windowsPaths(files))) {
-    if (probe_.readLine(kLockLimit) != "locked") throw std::runtime_error("the files could not be locked");
+    if (probe_.readLine(kProbeLimit) != "locked") throw std::runtime_error("the files could not be locked");
+}
+
+void FileLock::release() {
+    probe_.closeInput();
+    if (probe_.wait(kProbeLimit).killed) throw std::runtime_error("the files could not be released");
 }
 
 }  // namespace vorthmere::end_to_end

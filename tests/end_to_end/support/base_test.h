@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <memory>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "tests/end_to_end/support/child_process.h"
+#include "tests/end_to_end/support/folder_watch.h"
 #include "tests/end_to_end/support/scenario.h"
 
 namespace vorthmere::end_to_end {
@@ -38,10 +38,10 @@ enum class Source {
 /// The base of every end-to-end test: a scenario, and a run of the real updater on it.
 ///
 /// Before each start of the updater the player's files and everything outside the installation are recorded, and at the
-/// end of each run and of the test they must be the same. A test that never started the updater fails.
+/// end of that run, or of the test, they must be the same. A test that never started the updater fails.
 class EndToEndTest : public testing::Test {
 protected:
-    explicit EndToEndTest(const std::string& installationName = "Kelvane game");
+    explicit EndToEndTest(const ScenarioOptions& options = {});
     ~EndToEndTest() override;
 
     void TearDown() override;
@@ -63,6 +63,10 @@ protected:
         return startUpdater(updaterCommand.arguments());
     }
 
+    /// Runs the updater to its end with a game that is still open when everything is ready to be installed, lets the
+    /// test do something then, and closes the game.
+    int runUpdater(UpdaterCommand command, const std::function<void()>& whileItWaits);
+
     /// Compares what no run may touch with what it was before the start.
     void finishRun();
 
@@ -74,6 +78,11 @@ protected:
     /// The folder in which the updater is started; relative paths on its command line start here.
     void setCurrentFolder(std::filesystem::path folder) {
         currentFolder_ = std::move(folder);
+    }
+
+    /// Variables for the updater, "NAME=value".
+    void useEnvironment(std::vector<std::string> variables) {
+        environment_ = std::move(variables);
     }
 
     void expectRelease41() const;
@@ -98,16 +107,41 @@ protected:
     Scenario scenario;
 
 private:
+    [[nodiscard]] bool waitUntilReadyToInstall(FolderWatch& watch) const;
+
     std::filesystem::path updater_;
     std::filesystem::path currentFolder_;
-    std::optional<TreeSnapshot> protectedBefore_;
+    std::vector<std::string> environment_;
+    std::optional<TreeSnapshot> protectedBefore_;  ///< while a run has not been finished
+    bool started_ = false;
     Milliseconds lastDuration_{0};
+};
+
+/// A Windows process that does nothing until it is told to end, in the place of the game.
+class OpenGame {
+public:
+    OpenGame();
+
+    /// Its process id, as Windows programs know it.
+    [[nodiscard]] const std::string& processId() const {
+        return processId_;
+    }
+
+    /// Ends it and waits until it is gone.
+    void close();
+
+private:
+    ChildProcess probe_;
+    std::string processId_;
 };
 
 /// Holds files of the installation open without sharing, as a running program or a virus scanner would.
 class FileLock {
 public:
     explicit FileLock(const std::vector<std::filesystem::path>& files);
+
+    /// Lets go of the files.
+    void release();
 
 private:
     ChildProcess probe_;

@@ -49,12 +49,12 @@ bool becomesReadable(int descriptor, Milliseconds timeLimit) {
 }  // namespace
 
 ChildProcess::ChildProcess(const std::vector<std::string>& command, const ProcessOptions& options) {
-    int input[2];
+    int input[2] = {-1, -1};
     int output[2] = {-1, -1};
-    if (pipe2(input, O_CLOEXEC) != 0) throwLastError("pipe");
     if (options.outputFile.empty()) {
-        if (pipe2(output, O_CLOEXEC) != 0) throwLastError("pipe");
+        if (pipe2(input, O_CLOEXEC) != 0 || pipe2(output, O_CLOEXEC) != 0) throwLastError("pipe");
     } else {
+        input[0] = open("/dev/null", O_RDONLY | O_CLOEXEC);
         output[1] = open(options.outputFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
         if (output[1] < 0) throwLastError("output file");
     }
@@ -120,6 +120,16 @@ void ChildProcess::kill() {
 
 void ChildProcess::killGroup() {
     if (!ended_) ::kill(-id_, SIGKILL);
+}
+
+void ChildProcess::suspend() {
+    if (::kill(id_, SIGSTOP) != 0) throwLastError("SIGSTOP");
+    siginfo_t ignored;
+    if (waitid(P_PID, static_cast<id_t>(id_), &ignored, WSTOPPED | WEXITED | WNOWAIT) != 0) throwLastError("waitid");
+}
+
+void ChildProcess::resume() {
+    if (::kill(id_, SIGCONT) != 0) throwLastError("SIGCONT");
 }
 
 bool ChildProcess::hasEnded(Milliseconds timeLimit) {

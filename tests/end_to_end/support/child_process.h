@@ -21,7 +21,7 @@ struct ProcessEnd {
 /// How to start a process.
 struct ProcessOptions {
     std::filesystem::path currentFolder;   ///< empty: this process's
-    std::filesystem::path outputFile;      ///< receives both outputs; empty: standard output goes to a pipe
+    std::filesystem::path outputFile;      ///< receives both outputs, there is no input; empty: pipes
     std::vector<std::string> environment;  ///< "NAME=value", in addition to this process's
 };
 
@@ -54,6 +54,10 @@ public:
     /// SIGKILL to the process alone, or to its whole group. Its end is still to be waited for.
     void kill();
     void killGroup();
+
+    /// Stops the process where it is, and lets it go on.
+    void suspend();
+    void resume();
 
     /// True when the process has ended within the time; its end is then known to wait().
     [[nodiscard]] bool hasEnded(Milliseconds timeLimit);

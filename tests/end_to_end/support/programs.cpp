@@ -1,5 +1,6 @@
 #include "tests/end_to_end/support/programs.h"
 
+#include <cstdlib>
 #include <stdexcept>
 
 namespace vorthmere::end_to_end {
@@ -23,6 +24,11 @@ std::filesystem::path gameProgram() {
 
 std::filesystem::path probeProgram() {
     return built("kvn_probe.exe");
+}
+
+std::filesystem::path winePrefix() {
+    const char* chosen = std::getenv("KVN_WINEPREFIX");
+    return chosen ? chosen : KVN_WINE_PREFIX;
 }
 
 std::vector<std::string> wineCommand(const std::filesystem::path& program, const std::vector<std::string>& arguments) {

@@ -11,6 +11,9 @@ namespace vorthmere::end_to_end {
 [[nodiscard]] std::filesystem::path gameProgram();
 [[nodiscard]] std::filesystem::path probeProgram();
 
+/// The Wine prefix in which they run.
+[[nodiscard]] std::filesystem::path winePrefix();
+
 /// A command for ChildProcess that runs a Windows program under Wine.
 [[nodiscard]] std::vector<std::string> wineCommand(const std::filesystem::path& program,
                                                    const std::vector<std::string>& arguments);

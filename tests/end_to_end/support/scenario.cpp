@@ -12,8 +12,8 @@ namespace vorthmere::end_to_end {
 namespace fs = std::filesystem;
 namespace {
 
-fs::path makeTemporaryFolder() {
-    std::string name = (fs::temp_directory_path() / "kvn end to end XXXXXX").string();
+fs::path makeTemporaryFolder(const fs::path& place) {
+    std::string name = ((place.empty() ? fs::temp_directory_path() : place) / "kvn end to end XXXXXX").string();
     if (!mkdtemp(name.data())) throw std::system_error(errno, std::generic_category(), name);
     return name;
 }
@@ -45,10 +45,11 @@ PublishedRelease publish(const fs::path& channelFolder, const ReleaseFiles& file
     return publishPackage(channelFolder, files, release);
 }
 
-Scenario::Scenario(const std::string& installationName)
-    : root(makeTemporaryFolder()),
-      installation(root / "games" / installationName),
-      workFolder(installation / update::kWorkFolderName) {
+Scenario::Scenario(const ScenarioOptions& options)
+    : root(makeTemporaryFolder(options.place)),
+      installation(root / "games" / options.installationName),
+      workFolder(installation / update::kWorkFolderName),
+      gameReport(root / "game report.txt") {
     layOut(sampleRelease41(), installation);
     layOut(playersFiles(), installation);
     fs::create_directories(installation / "mods");
@@ -73,8 +74,10 @@ TreeSnapshot Scenario::takeProtectedSnapshot() const {
         for (fs::path part = path; !part.empty(); part = part.parent_path())
             managed.insert(inside + part.generic_string());
 
-    TreeSnapshot snapshot = takeSnapshot(
-        root, [&](const std::string& path) { return path != inside + std::string(update::kWorkFolderName); });
+    const std::set<std::string> unprotected = {inside + std::string(update::kWorkFolderName),
+                                               gameReport.filename().string(), gameReport.filename().string() + ".new"};
+    TreeSnapshot snapshot =
+        takeSnapshot(root, [&unprotected](const std::string& path) { return !unprotected.contains(path); });
     std::erase_if(snapshot, [&managed](const auto& entry) { return managed.contains(entry.first); });
     return snapshot;
 }

@@ -34,13 +34,17 @@ struct PublishedRelease {
 /// Where publishPackage() expects the package.
 [[nodiscard]] std::filesystem::path packagePath(const std::filesystem::path& channelFolder, std::uint32_t release);
 
+struct ScenarioOptions {
+    std::string installationName = "Kelvane game";  ///< the installation folder's name; any characters
+    std::filesystem::path place;  ///< where to make the scenario; empty: the system's temporary folder
+};
+
 /// A temporary folder with blanks in its name that holds an installation of the sample release 41 with a player's
 /// files in it, files beside the installation that are nobody's business, and a channel folder with the sample release
 /// 42. It is removed at the end of this object's life.
 class Scenario {
 public:
-    /// @param installationName the installation folder's name; may hold blanks and any characters
-    explicit Scenario(const std::string& installationName = "Kelvane game");
+    explicit Scenario(const ScenarioOptions& options = {});
     Scenario(const Scenario&) = delete;
     Scenario& operator=(const Scenario&) = delete;
     ~Scenario();
@@ -48,7 +52,8 @@ public:
     std::filesystem::path root;
     std::filesystem::path installation;
     std::filesystem::path workFolder;
-    PublishedRelease release;  ///< what the updater is offered
+    std::filesystem::path gameReport;  ///< where the sample game tells how it was started
+    PublishedRelease release;          ///< what the updater is offered
 
     /// Every path that the updater may change in the installation; whatever else is there is the player's.
     std::set<std::string> managedPaths;
