@@ -10,6 +10,7 @@
 #include "platform/reparse_point.h"
 #include "platform/text.h"
 #include "transfer/downloads.h"
+#include "transfer/fetch_progress.h"
 #include "transfer/file_digest.h"
 #include "transfer/transfer_report.h"
 #include "update/file_inventory.h"
@@ -21,8 +22,6 @@ namespace vorthmere::update {
 namespace {
 
 constexpr const wchar_t* kInventoryName = L"inventory.txt";
-constexpr std::uint32_t kFirstFetchPercent = 12;
-constexpr std::uint32_t kFetchPercentSpan = 65;
 
 /// What the check of the installation found.
 struct ReusePlan {
@@ -76,10 +75,10 @@ class ObjectFetcher {
 public:
     ObjectFetcher(const Arguments& arguments, const ReusePlan& plan, IncrementalTransfer& transfer,
                   const ProgressCallback& progress)
-        : arguments_(arguments), plan_(plan), transfer_(transfer), progress_(progress) {}
+        : arguments_(arguments), transfer_(transfer), progress_(plan.fetchTotal, plan.bytesToFetch, progress) {}
 
     bool fetch(const InventoryEntry& entry, const std::filesystem::path& target, std::wstring& error) {
-        reportNextFile();
+        progress_.reportFile(++transfer_.downloaded, transfer_.bytes);
         const std::string name = std::string(kObjectNamePrefix) + entry.sha256 + std::string(kObjectNameSuffix);
         if (!arguments_.objectDirectory.empty()) {
             std::error_code failure;
@@ -88,7 +87,10 @@ public:
             if (failure) return false;
         } else if (!downloadHttpsFile(
                        widen(kDownloadBaseUrl) + widen(name), target, entry.size,
-                       [this](std::uint64_t received, std::uint64_t) { reportBytes(received); }, error)) {
+                       [this](std::uint64_t received, std::uint64_t) {
+                           progress_.reportBytes(transfer_.bytes + received);
+                       },
+                       error)) {
             return false;
         }
         transfer_.bytes += entry.size;
@@ -96,27 +98,9 @@ public:
     }
 
 private:
-    void reportNextFile() {
-        const std::uint64_t base =
-            plan_.bytesToFetch == 0 ? 0 : transfer_.bytes * kFetchPercentSpan / plan_.bytesToFetch;
-        ++transfer_.downloaded;
-        reportProgress(progress_,
-                       L"Downloading changed files (" + std::to_wstring(transfer_.downloaded) + L" of " +
-                           std::to_wstring(plan_.fetchTotal) + L")...",
-                       kFirstFetchPercent + static_cast<std::uint32_t>(base));
-    }
-
-    void reportBytes(std::uint64_t received) {
-        const std::uint64_t percent =
-            plan_.bytesToFetch == 0 ? 100 : (transfer_.bytes + received) * 100 / plan_.bytesToFetch;
-        reportProgress(progress_, L"Downloading changed files... " + std::to_wstring(percent) + L"%",
-                       kFirstFetchPercent + static_cast<std::uint32_t>(percent * kFetchPercentSpan) / 100);
-    }
-
     const Arguments& arguments_;
-    const ReusePlan& plan_;
     IncrementalTransfer& transfer_;
-    const ProgressCallback& progress_;
+    FetchProgress progress_;
 };
 
 bool stageFiles(const Arguments& arguments, const std::vector<InventoryEntry>& entries, const ReusePlan& plan,

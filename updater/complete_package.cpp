@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <algorithm>
 #include <array>
 #include <system_error>
 
@@ -14,23 +13,12 @@
 #include "transfer/downloads.h"
 #include "transfer/file_digest.h"
 #include "transfer/transfer_report.h"
+#include "updater/download_progress.h"
 
 namespace vorthmere::update {
 namespace {
 
 constexpr UINT kMaxSystemFolderLength = 260;
-constexpr std::uint32_t kFirstDownloadPercent = 12;
-constexpr std::uint32_t kDownloadPercentSpan = 53;
-
-ByteProgressCallback downloadProgress(const Manifest& manifest, const ProgressCallback& progress) {
-    return [&manifest, &progress](std::uint64_t received, std::uint64_t expected) {
-        const std::uint64_t whole = expected != 0 ? expected : manifest.size;
-        const std::uint64_t share = whole != 0 ? received * 100 / whole : 0;
-        const auto percent = static_cast<std::uint32_t>(std::min<std::uint64_t>(share, 100));
-        reportProgress(progress, L"Downloading update... " + std::to_wstring(percent) + L"%",
-                       percent * kDownloadPercentSpan / 100 + kFirstDownloadPercent);
-    };
-}
 
 RunResult bringPackage(const Arguments& arguments, const Manifest& manifest, const std::filesystem::path& package,
                        std::wstring& error, const ProgressCallback& progress) {
