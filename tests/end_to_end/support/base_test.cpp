@@ -67,15 +67,32 @@ UpdaterCommand EndToEndTest::command(Source source) const {
 }
 
 ChildProcess EndToEndTest::startUpdater(const std::vector<std::string>& arguments) {
-    finishRun();
-    started_ = true;
-    protectedBefore_ = scenario.takeProtectedSnapshot();
+    beforeStart();
     ProcessOptions options;
     options.environment = environment_;
-    options.environment.push_back("KVN_GAME_REPORT=" + windowsPath(scenario.gameReport));
+    options.environment.push_back(gameReportVariable());
     options.currentFolder = currentFolder_;
     options.outputFile = "/dev/null";
     return ChildProcess(wineCommand(updater_, arguments), options);
+}
+
+ChildProcess EndToEndTest::startThroughProbe(const std::string& subcommand, const std::vector<std::string>& arguments,
+                                             ProcessOptions options) {
+    beforeStart();
+    options.environment.push_back(gameReportVariable());
+    std::vector<std::string> words{subcommand, windowsPath(updater_)};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    return ChildProcess(wineCommand(probeProgram(), words), options);
+}
+
+void EndToEndTest::beforeStart() {
+    finishRun();
+    started_ = true;
+    protectedBefore_ = scenario.takeProtectedSnapshot();
+}
+
+std::string EndToEndTest::gameReportVariable() const {
+    return "KVN_GAME_REPORT=" + windowsPath(scenario.gameReport);
 }
 
 void EndToEndTest::finishRun() {

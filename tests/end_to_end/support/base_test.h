@@ -67,6 +67,12 @@ protected:
     /// test do something then, and closes the game.
     int runUpdater(UpdaterCommand command, const std::function<void()>& whileItWaits);
 
+    /// Starts the updater by way of a subcommand of the probe that takes it and its arguments. The output is a pipe
+    /// unless `options` say otherwise. The end is as with startUpdater().
+    [[nodiscard]] ChildProcess startThroughProbe(const std::string& subcommand,
+                                                 const std::vector<std::string>& arguments,
+                                                 ProcessOptions options = {});
+
     /// Compares what no run may touch with what it was before the start.
     void finishRun();
 
@@ -107,6 +113,9 @@ protected:
     Scenario scenario;
 
 private:
+    void beforeStart();
+    [[nodiscard]] std::string gameReportVariable() const;
+
     [[nodiscard]] bool waitUntilReadyToInstall(FolderWatch& watch) const;
 
     std::filesystem::path updater_;

@@ -35,6 +35,8 @@ bool becomesReadable(int descriptor, Milliseconds timeLimit) {
     dup2(input, STDIN_FILENO);
     dup2(output, STDOUT_FILENO);
     if (!options.outputFile.empty()) dup2(output, STDERR_FILENO);
+    if (!options.errorFile.empty())
+        dup2(open(options.errorFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666), STDERR_FILENO);
     if (!options.currentFolder.empty() && chdir(options.currentFolder.c_str()) != 0) _exit(127);
     for (const std::string& variable : options.environment)
         putenv(const_cast<char*>(variable.c_str()));

@@ -22,6 +22,7 @@ struct ProcessEnd {
 struct ProcessOptions {
     std::filesystem::path currentFolder;   ///< empty: this process's
     std::filesystem::path outputFile;      ///< receives both outputs, there is no input; empty: pipes
+    std::filesystem::path errorFile;       ///< receives standard error; empty: it goes where the output file says
     std::vector<std::string> environment;  ///< "NAME=value", in addition to this process's
 };
 
