@@ -22,8 +22,8 @@ struct ProcessEnd {
 struct ProcessOptions {
     std::filesystem::path currentFolder;   ///< empty: this process's
     std::filesystem::path outputFile;      ///< receives both outputs, there is no input; empty: pipes
-    std::filesystem::path errorFile;       ///< receives standard error; empty: it goes where the output file says
     std::vector<std::string> environment;  ///< "NAME=value", in addition to this process's
+    std::filesystem::path errorFile = {};  ///< receives standard error; empty: it goes where the output file says
 };
 
 /// A child process in a process group of its own. It is killed when this object's life ends.
