@@ -1,0 +1,163 @@
+// Releases made by kvn-release, served over HTTPS and installed by the real updater.
+
+#include <gmock/gmock.h>
+
+#include <cinttypes>
+#include <cstdio>
+
+#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/channel.h"
+#include "tests/end_to_end/support/files.h"
+#include "tests/end_to_end/support/publisher.h"
+#include "tests/end_to_end/support/sample_release.h"
+#include "update/release_channel.h"
+
+namespace vorthmere::end_to_end {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+std::string withSeparators(std::uint64_t number) {
+    std::string digits = std::to_string(number);
+    for (std::size_t position = digits.size(); position > 3;) {
+        position -= 3;
+        digits.insert(position, 1, ',');
+    }
+    return digits;
+}
+
+class PublisherRoundTripTest : public EndToEndTest {
+protected:
+    PublisherRoundTripTest() {
+        static_cast<void>(channelCertificates());
+        layOut(sampleRelease42(), game_);
+    }
+
+    void publish(std::uint32_t release = 42) {
+        const ToolEnd end = runPublisher(buildArguments(release, game_, channel_));
+        ASSERT_EQ(end.exitCode, 0) << end.output;
+        for (const auto& [path, file] : publishedFiles(release, game_))
+            scenario.managedPaths.insert(path);
+    }
+
+    [[nodiscard]] std::string plan() const {
+        return runPublisher({"plan", "--from", scenario.installation.string(), "--channel", channel_.string()}).output;
+    }
+
+    void update() {
+        const PlainChannel server(channel_);
+        EXPECT_EQ(runUpdater(Source::channel), 0);
+    }
+
+    void expectEveryFileOfTheGameFolder(std::uint32_t release = 42) const {
+        expectInstalled(publishedFiles(release, game_));
+    }
+
+    [[nodiscard]] std::uint64_t packageBytes() const {
+        return fs::file_size(channel_ / "KVN-release-42.zip");
+    }
+
+    const fs::path game_ = scenario.root / "game to publish";
+    const fs::path channel_ = scenario.root / "published";
+};
+
+TEST_F(PublisherRoundTripTest, UpdaterInstallsExactlyTheGameFolder) {
+    publish();
+    update();
+    expectEveryFileOfTheGameFolder();
+    EXPECT_THAT(transferReport(), StartsWith("mode=incremental\r\n"));
+}
+
+TEST_F(PublisherRoundTripTest, UpdaterInstallsTheCompletePackageWhenTheInventoryIsGone) {
+    publish();
+    fs::remove(channel_ / "KVN-release-42.zip.files");
+    update();
+    expectEveryFileOfTheGameFolder();
+    EXPECT_EQ(transferReport(), "mode=full\r\nbytes=" + std::to_string(packageBytes()) + "\r\n");
+}
+
+TEST_F(PublisherRoundTripTest, StoredFilesOfAPackageAreInstalled) {
+    std::string packed;
+    for (std::uint32_t value = 1; packed.size() < 300'000;) {
+        value = value * 1664525 + 1013904223;
+        packed.push_back(static_cast<char>(value >> 24));
+    }
+    writeFile(game_ / "data/packed.pak", packed);
+    publish();
+    EXPECT_GT(packageBytes(), packed.size());
+    fs::remove(channel_ / "KVN-release-42.zip.files");
+    update();
+    expectEveryFileOfTheGameFolder();
+}
+
+TEST_F(PublisherRoundTripTest, RollbackUnderAHigherNumberBringsTheOldContentBack) {
+    publish(42);
+    fs::remove_all(game_);
+    layOut(sampleRelease41(), game_);
+    publish(43);
+    update();
+    expectEveryFileOfTheGameFolder(43);
+}
+
+TEST_F(PublisherRoundTripTest, PlanTellsWhatTheUpdaterThenDoes) {
+    publish();
+    const std::string planned = plan();
+    update();
+    std::size_t reused = 0;
+    std::size_t downloaded = 0;
+    std::uint64_t bytes = 0;
+    const std::string report = transferReport();
+    ASSERT_EQ(std::sscanf(report.c_str(), "mode=incremental\r\nreused=%zu\r\ndownloaded=%zu\r\nbytes=%" SCNu64, &reused,
+                          &downloaded, &bytes),
+              3)
+        << report;
+    EXPECT_THAT(planned, AllOf(HasSubstr("reused:           " + std::to_string(reused) + " file"),
+                               HasSubstr("fetched:          " + std::to_string(downloaded) + " file"),
+                               HasSubstr("The update is incremental")));
+    EXPECT_THAT(planned, testing::ContainsRegex("fetched: .*[ (]" + withSeparators(bytes) + " bytes"));
+}
+
+/// A channel in which the changed bytes and the package differ by exactly so many bytes. The package of one file that
+/// deflates to next to nothing hardly grows with it.
+class PublisherDecisionTest : public PublisherRoundTripTest, public testing::WithParamInterface<int> {
+protected:
+    void publishWithChangedBytesAbovePackage(std::int64_t wanted) {
+        std::int64_t size = 1000;
+        for (int attempt = 0; attempt < 50; ++attempt) {
+            fs::remove_all(channel_);
+            writeFile(game_ / "data/filler.txt", std::string(static_cast<std::size_t>(size), 'f'));
+            publish();
+            const std::int64_t off = wanted - (changedBytes() - static_cast<std::int64_t>(packageBytes()));
+            if (off == 0) return;
+            size += off;
+        }
+        FAIL() << "the sizes do not meet";
+    }
+
+    [[nodiscard]] std::int64_t changedBytes() const {
+        std::int64_t bytes = 0;
+        for (const auto& [path, file] : publishedFiles(42, game_)) {
+            const fs::path installed = scenario.installation / path;
+            if (!fs::exists(installed) || readFile(installed) != file.content)
+                bytes += static_cast<std::int64_t>(file.content.size());
+        }
+        return bytes;
+    }
+};
+
+TEST_P(PublisherDecisionTest, PlanAndUpdaterDecideAlike) {
+    publishWithChangedBytesAbovePackage(GetParam());
+    const bool incremental = GetParam() < 0;
+    EXPECT_THAT(plan(), HasSubstr(incremental ? "The update is incremental" : "The update takes the complete package"));
+    update();
+    EXPECT_THAT(transferReport(), StartsWith(incremental ? "mode=incremental" : "mode=full"));
+    expectEveryFileOfTheGameFolder();
+}
+
+INSTANTIATE_TEST_SUITE_P(AroundThePackageSize, PublisherDecisionTest, testing::Values(-1, 0, 1));
+
+}  // namespace
+}  // namespace vorthmere::end_to_end

@@ -1,0 +1,47 @@
+#include "tests/end_to_end/support/publisher.h"
+
+#include "tests/end_to_end/support/child_process.h"
+#include "tests/end_to_end/support/files.h"
+#include "tests/end_to_end/support/release_texts.h"
+#include "tests/support/temporary_folder.h"
+#include "update/release_channel.h"
+
+namespace vorthmere::end_to_end {
+namespace {
+
+constexpr Milliseconds kToolLimit{60'000};
+constexpr const char* kVersion = "0.9.3 alpha";
+
+}  // namespace
+
+ToolEnd runPublisher(const std::vector<std::string>& arguments, unsigned killAtCall) {
+    const update::testing::TemporaryFolder folder;
+    std::vector<std::string> command{KVN_RELEASE};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    ProcessOptions options;
+    options.outputFile = folder / "output";
+    if (killAtCall != 0)
+        options.environment = {"LD_PRELOAD=" KVN_KILL_AT_CALL, "KVN_KILL_AT_CALL=" + std::to_string(killAtCall)};
+    const ProcessEnd end = ChildProcess(command, options).wait(kToolLimit);
+    return {end.exitCode, readFile(options.outputFile)};
+}
+
+std::vector<std::string> buildArguments(std::uint32_t release, const std::filesystem::path& game,
+                                        const std::filesystem::path& channel) {
+    return {"build", "--release", std::to_string(release), "--version", kVersion,        "--protocol",
+            "1",     "--from",    game.string(),           "--channel", channel.string()};
+}
+
+ReleaseFiles publishedFiles(std::uint32_t release, const std::filesystem::path& game) {
+    ReleaseFiles files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(game))
+        if (entry.is_regular_file())
+            files[entry.path().lexically_relative(game).generic_string()].content = readFile(entry.path());
+    files[std::string(update::kReleaseMarkerName)].content =
+        "release=" + std::to_string(release) + "\nversion=" + kVersion + "\nprotocol=1\n";
+    std::string& list = files[std::string(update::kManagedFileListName)].content;
+    list = renderManagedFileList(files);
+    return files;
+}
+
+}  // namespace vorthmere::end_to_end

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tests/end_to_end/support/release_files.h"
+
+namespace vorthmere::end_to_end {
+
+/// How a run of kvn-release ended.
+struct ToolEnd {
+    int exitCode = -1;  ///< -1 when it was killed
+    std::string output;
+};
+
+/// Runs the publishing tool.
+///
+/// @param killAtCall the number of the call to the system, among those that change files, before which the program is
+///                   killed; 0 for never
+ToolEnd runPublisher(const std::vector<std::string>& arguments, unsigned killAtCall = 0);
+
+/// The command line of a build with the sample release's details.
+[[nodiscard]] std::vector<std::string> buildArguments(std::uint32_t release, const std::filesystem::path& game,
+                                                      const std::filesystem::path& channel);
+
+/// What a release that was built with buildArguments() installs: the files of the game folder, and the generated ones.
+[[nodiscard]] ReleaseFiles publishedFiles(std::uint32_t release, const std::filesystem::path& game);
+
+}  // namespace vorthmere::end_to_end
