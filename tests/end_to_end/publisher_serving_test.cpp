@@ -40,8 +40,8 @@ public:
                       "/pid\";\ndaemon off;\nmaster_process off;\nevents {}\nhttp {\naccess_log off;\n" + paths +
                       server + "}\n");
         const std::string log = (run / "error.log").string();
-        nginx_ = std::make_unique<ChildProcess>(
-            std::vector<std::string>{"nginx", "-e", log, "-p", run.string(), "-c", (run / "nginx.conf").string()});
+        nginx_ = std::make_unique<ChildProcess>(std::vector<std::string>{
+            "/usr/bin/env", "nginx", "-e", log, "-p", run.string(), "-c", (run / "nginx.conf").string()});
     }
 
     ~DocumentedServer() {
