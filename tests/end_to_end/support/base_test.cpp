@@ -79,6 +79,7 @@ ChildProcess EndToEndTest::startUpdater(const std::vector<std::string>& argument
 ChildProcess EndToEndTest::startThroughProbe(const std::string& subcommand, const std::vector<std::string>& arguments,
                                              ProcessOptions options) {
     beforeStart();
+    options.environment.insert(options.environment.end(), environment_.begin(), environment_.end());
     options.environment.push_back(gameReportVariable());
     std::vector<std::string> words{subcommand, windowsPath(updater_)};
     words.insert(words.end(), arguments.begin(), arguments.end());
