@@ -67,6 +67,7 @@ TEST_F(ArchiveToolTest, TheToolRunsHiddenInTheWorkingFolderWithThisProgramsEnvir
     EXPECT_NE(output.find("\nstartup flags=257\n"), std::string::npos) << output;
     EXPECT_NE(output.find("\nshow window=0\n"), std::string::npos) << output;
     EXPECT_NE(output.find("\nenvironment=from the parent\n"), std::string::npos) << output;
+    EXPECT_NE(output.find("\nreadable pipes=0\n"), std::string::npos) << output;
     EXPECT_EQ(output.find("command line=\"" + childProgram().string() + "\" \"facts\"\n"), 0u) << output;
 }
 
@@ -118,13 +119,16 @@ TEST_F(ArchiveToolTest, AToolWithExcessiveOutputIsTerminatedWithCodeNineAndNotWa
 TEST_F(ArchiveToolTest, AToolThatHasClosedItsOutputButGoesOnRunningKeepsTheCallWaiting) {
     const testing::NamedEvent mayEnd;
     const std::filesystem::path closed = folder / L"closed";
-    std::atomic<bool> toolIsReady = false;
+    std::atomic<bool> released = false;
     std::thread releaser([&] {
-        toolIsReady = testing::waitForFile(closed);
+        const bool toolIsReady = testing::waitForFile(closed);
+        // Time in which a call that does not wait returns.
+        Sleep(300);
+        released = toolIsReady;
         mayEnd.set();
     });
     EXPECT_TRUE(run({L"close-output-then-wait", closed.native(), mayEnd.name()}));
-    EXPECT_TRUE(toolIsReady);
+    EXPECT_TRUE(released);
     releaser.join();
 }
 

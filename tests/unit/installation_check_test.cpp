@@ -109,6 +109,13 @@ TEST_F(InstallationCheckTest, ARefusedFolderIsNormalisedAllTheSame) {
     std::wstring sentence;
     EXPECT_FALSE(checkInstallation(path, sentence));
     EXPECT_EQ(path, canonical.parent_path() / L"missing");
+
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.path());
+    path = L"missing";
+    EXPECT_FALSE(checkInstallation(path, sentence));
+    std::filesystem::current_path(before);
+    EXPECT_EQ(path, canonical.parent_path() / L"missing");
 }
 
 TEST_F(InstallationCheckTest, ALinkedFolderIsFollowedToTheInstallationItself) {

@@ -82,7 +82,7 @@ TEST_F(UpdateRunHandOverTest, ARunningGameIsWaitedForBeforeAnythingIsInstalled) 
 
 TEST_F(UpdateRunHandOverTest, AGameThatHasEndedOrNeverRanIsNotWaitedFor) {
     publishSampleRelease();
-    const ChildProcess game(childProgram(), {L"exit", L"0"});
+    const ChildProcess game(childProgram(), {L"print", L"0"});
     game.waitForEnd();
     arguments.parentProcessId = game.id();
     EXPECT_EQ(run(), 0);

@@ -39,6 +39,18 @@ std::wstring environmentVariable(const wchar_t* name) {
     return value;
 }
 
+/// Pipes that can be read from here, standard input apart: this program opens none, so they were inherited.
+int countReadablePipes() {
+    constexpr std::size_t handlesLookedAt = 1024;
+    int pipes = 0;
+    for (std::size_t value = 4; value <= 4 * handlesLookedAt; value += 4) {
+        const auto handle = reinterpret_cast<HANDLE>(value);
+        if (handle != GetStdHandle(STD_INPUT_HANDLE) && PeekNamedPipe(handle, nullptr, 0, nullptr, nullptr, nullptr))
+            ++pipes;
+    }
+    return pipes;
+}
+
 void writeFacts(FILE* file) {
     STARTUPINFOW startup{};
     GetStartupInfoW(&startup);
@@ -48,6 +60,7 @@ void writeFacts(FILE* file) {
     std::fprintf(file, "startup flags=%lu\n", startup.dwFlags);
     std::fprintf(file, "show window=%u\n", startup.wShowWindow);
     std::fprintf(file, "error mode=%u\n", GetErrorMode());
+    std::fprintf(file, "readable pipes=%d\n", countReadablePipes());
     std::fprintf(file, "environment=%s\n", toUtf8(environmentVariable(L"KVN_TEST_MARK")).c_str());
 }
 
