@@ -16,7 +16,6 @@
 #include "publisher/release_staging.h"
 #include "publisher/release_texts.h"
 #include "publisher/sha256.h"
-#include "update/decimal.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish {
