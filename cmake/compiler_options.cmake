@@ -1,6 +1,7 @@
 # One interface target with the language level, the warnings and the hardening that everything of this project is built
 # with.
 set(KVN_SANITIZERS "" CACHE STRING "Value for -fsanitize=, empty for none")
+option(KVN_COVERAGE "Count the lines and branches that are run (GCC)" OFF)
 
 add_library(kvn_compiler_options INTERFACE)
 target_compile_features(kvn_compiler_options INTERFACE cxx_std_20)
@@ -40,4 +41,9 @@ if(KVN_SANITIZERS)
     target_compile_options(kvn_compiler_options INTERFACE
         -fsanitize=${KVN_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(kvn_compiler_options INTERFACE -fsanitize=${KVN_SANITIZERS})
+endif()
+
+if(KVN_COVERAGE)
+    target_compile_options(kvn_compiler_options INTERFACE --coverage -fprofile-update=atomic)
+    target_link_options(kvn_compiler_options INTERFACE --coverage)
 endif()

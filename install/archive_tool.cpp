@@ -49,7 +49,7 @@ bool startHidden(const std::filesystem::path& toolPath, std::wstring commandLine
 
 /// Reads until the pipe breaks, which is how the tool's end shows. False when the output passes its limit.
 bool drain(HANDLE readEnd, std::string& output) {
-    std::array<char, kReadChunkBytes> chunk;
+    std::array<char, kReadChunkBytes> chunk{};
     DWORD count = 0;
     while (ReadFile(readEnd, chunk.data(), static_cast<DWORD>(chunk.size()), &count, nullptr) && count > 0) {
         if (output.size() + count > kMaxArchiveToolOutputBytes) return false;

@@ -1,6 +1,5 @@
 #include "install/install_with_backup.h"
 
-#include <ranges>
 #include <set>
 #include <string_view>
 #include <system_error>
@@ -76,11 +75,11 @@ bool moveIn(Installation& installation, const Paths& pathsToInstall, std::wstrin
 // saved; the failure that led here is the one worth reporting.
 void rollBack(const Installation& installation) {
     std::error_code ignored;
-    for (const std::string& path : installation.installed | std::views::reverse)
-        removeFile(installation.folder / path, ignored);
-    for (const std::string& path : installation.backedUp | std::views::reverse) {
-        createParent(installation.folder, path);
-        moveFile(installation.backup, installation.folder, path);
+    for (auto path = installation.installed.rbegin(); path != installation.installed.rend(); ++path)
+        removeFile(installation.folder / *path, ignored);
+    for (auto path = installation.backedUp.rbegin(); path != installation.backedUp.rend(); ++path) {
+        createParent(installation.folder, *path);
+        moveFile(installation.backup, installation.folder, *path);
     }
 }
 

@@ -18,6 +18,8 @@ public:
         std::swap(descriptor_, other.descriptor_);
         return *this;
     }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
     ~Descriptor();
 
     [[nodiscard]] int get() const {

@@ -114,6 +114,7 @@ bool staysWithinLimits(const std::vector<ReleaseFile>& files, std::string& error
 
 bool listsStayWithinLimits(const std::vector<ReleaseFile>& files, std::string& error) {
     std::vector<std::string> paths;
+    paths.reserve(files.size());
     for (const ReleaseFile& file : files)
         paths.push_back(file.entry.path);
 

@@ -1,5 +1,8 @@
 #include "publisher/release_texts.h"
 
+#include <algorithm>
+#include <string_view>
+
 #include "update/release_channel.h"
 
 namespace vorthmere::publish {
@@ -21,7 +24,14 @@ std::string packageNameOf(const update::Manifest& manifest) {
     return manifest.url.substr(manifest.url.rfind('/') + 1);
 }
 
-std::string managedFileListText(const std::vector<std::string>& paths) {
+// The updater moves files in in the order of this list. While the game's program is still missing, a run that was cut
+// off can neither be mistaken for an installation nor be played.
+std::string managedFileListText(std::vector<std::string> paths) {
+    const auto isEssential = [](std::string_view path) {
+        return path == update::kManagedFileListName || path == update::kUpdaterExecutableName ||
+               path == update::kGameExecutableName;
+    };
+    std::stable_partition(paths.begin(), paths.end(), [&](const std::string& path) { return !isEssential(path); });
     std::string text;
     for (const std::string& path : paths)
         text.append(path).push_back('\n');

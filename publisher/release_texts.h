@@ -20,8 +20,9 @@ namespace vorthmere::publish {
 
 /// Texts of one release. Lines end in LF; no text depends on anything but the parameters.
 
-/// `KVN_MANAGED_FILES.txt`: one path a line, in the given order.
-[[nodiscard]] std::string managedFileListText(const std::vector<std::string>& paths);
+/// `KVN_MANAGED_FILES.txt`: one path a line, in the given order, but with the list itself, the updater and the game's
+/// program last.
+[[nodiscard]] std::string managedFileListText(std::vector<std::string> paths);
 
 /// `kvn_release.txt`: release, version and protocol, one "key=value" a line. For the game and for support; the updater
 /// requires the file and never reads it.

@@ -22,7 +22,7 @@ bool readMetadataFile(const std::filesystem::path& path, std::string& contents, 
         return false;
     }
     contents.clear();
-    std::array<char, 16384> block;
+    std::array<char, 16384> block{};
     while (file) {
         file.read(block.data(), block.size());
         contents.append(block.data(), static_cast<std::size_t>(file.gcount()));

@@ -35,13 +35,13 @@ constexpr UINT kCloseDelayMs = 900;
 constexpr int kCloseButtonId = 1001;
 
 struct Control {
-    const wchar_t* className;
-    const wchar_t* text;
-    DWORD style;
-    int x;
-    int y;
-    int width;
-    int height;
+    const wchar_t* className = nullptr;
+    const wchar_t* text = nullptr;
+    DWORD style = 0;
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
     int id = 0;
 };
 

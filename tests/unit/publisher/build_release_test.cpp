@@ -17,6 +17,7 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAreArray;
 using update::testing::readFile;
 using update::testing::writeFile;
 
@@ -63,7 +64,9 @@ TEST_F(BuildReleaseTest, GeneratedFilesSayWhatTheReleaseIs) {
     std::vector<std::string> listed;
     std::string error;
     ASSERT_TRUE(update::parseManagedFileList(contents["KVN_MANAGED_FILES.txt"], listed, error)) << error;
-    EXPECT_EQ(listed, paths);
+    EXPECT_THAT(listed, UnorderedElementsAreArray(paths));
+    // The game's program is installed last, so that an installation that was cut off cannot be played.
+    EXPECT_EQ(listed.back(), "Vorthmere.exe");
 }
 
 TEST_F(BuildReleaseTest, GameFolderStaysUntouched) {
