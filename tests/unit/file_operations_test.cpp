@@ -156,6 +156,7 @@ TEST_F(FileOperationsTest, RemoveTreeTakesASingleFileAndAMissingPath) {
 
 TEST_F(FileOperationsTest, RemoveTreeReportsWhatItCannotRemove) {
     writeFile(folder / L"tree" / L"held", "content");
+    writeFile(folder / L"tree" / L"later", "");
     const HeldFile held(folder / L"tree" / L"held");
     removeTree(folder / L"tree", failure);
     EXPECT_EQ(failure.value(), ERROR_SHARING_VIOLATION);
