@@ -1,0 +1,27 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <cstddef>
+
+namespace {
+
+// Writes over what the function returns to. Sizes and pointer are volatile, so that the compiler neither sees the
+// mistake nor leaves it out.
+[[gnu::noinline]] void writeFarBehindTheEndOfALocalArray() {
+    volatile char array[16];
+    volatile char* volatile target = array;
+    const volatile std::size_t size = sizeof(array) + 64;
+    for (std::size_t i = 0; i < size; ++i)
+        target[i] = 'x';
+}
+
+// The protector ends the program by an illegal instruction. Without it the program goes on, or to a wrong address.
+bool endedByTheProtector(int exitCode) {
+    return static_cast<DWORD>(exitCode) == EXCEPTION_ILLEGAL_INSTRUCTION;
+}
+
+TEST(StackProtector, EndsTheProgramWhenALocalArrayWasOverrun) {
+    EXPECT_EXIT(writeFarBehindTheEndOfALocalArray(), endedByTheProtector, "");
+}
+
+}  // namespace
