@@ -96,6 +96,10 @@ std::string EndToEndTest::gameReportVariable() const {
     return "KVN_GAME_REPORT=" + windowsPath(scenario.gameReport);
 }
 
+void EndToEndTest::recordProtectedAgain() {
+    protectedBefore_ = scenario.takeProtectedSnapshot();
+}
+
 void EndToEndTest::finishRun() {
     if (!protectedBefore_) return;
     EXPECT_EQ(describeDifferences(*protectedBefore_, scenario.takeProtectedSnapshot()), "")

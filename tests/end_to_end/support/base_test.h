@@ -76,6 +76,9 @@ protected:
     /// Compares what no run may touch with what it was before the start.
     void finishRun();
 
+    /// For a test that itself changes, during a run, what no run may touch: takes the record anew.
+    void recordProtectedAgain();
+
     /// Runs this program instead of the installation's own KVNUpdater.exe.
     void useUpdater(std::filesystem::path program) {
         updater_ = std::move(program);

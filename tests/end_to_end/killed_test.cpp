@@ -1,0 +1,19 @@
+#include "tests/end_to_end/support/killed_test.h"
+
+namespace vorthmere::end_to_end {
+namespace {
+
+TEST_F(KilledTest, InAnIncrementalUpdate) {
+    killRuns(Source::incremental, Clock::run, 30);
+}
+
+TEST_F(KilledTest, InAnUpdateFromTheCompletePackage) {
+    killRuns(Source::completePackage, Clock::run, 30);
+}
+
+TEST_F(KilledTest, InTheMiddleOfTheInstallation) {
+    killRuns(Source::incremental, Clock::installation, 30);
+}
+
+}  // namespace
+}  // namespace vorthmere::end_to_end

@@ -1,0 +1,174 @@
+#include "tests/end_to_end/support/killed_test.h"
+
+#include <fstream>
+#include <iterator>
+
+#include "tests/end_to_end/support/files.h"
+#include "tests/end_to_end/support/programs.h"
+#include "tests/end_to_end/support/sample_release.h"
+
+namespace vorthmere::end_to_end {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr Milliseconds kRunLimit{120'000};
+constexpr std::uint32_t kMoves = IN_MOVED_FROM | IN_MOVED_TO;
+constexpr std::uint32_t kAnything =
+    kMoves | IN_OPEN | IN_CREATE | IN_DELETE | IN_MODIFY | IN_CLOSE_WRITE | IN_CLOSE_NOWRITE;
+
+bool holds(const fs::path& file, const std::string& content) {
+    return fs::is_regular_file(fs::symlink_status(file)) && readFile(file) == content;
+}
+
+/// A process that was told to end, or that its parent left behind, may still be at work.
+bool anyProcessNames(const std::string& text) {
+    for (const fs::directory_entry& process : fs::directory_iterator("/proc")) {
+        std::error_code gone;
+        if (!fs::exists(process.path() / "cmdline", gone) || process.path().filename() == "self") continue;
+        std::ifstream file(process.path() / "cmdline", std::ios::binary);
+        const std::string words{std::istreambuf_iterator<char>(file), {}};
+        if (words.find(text) != std::string::npos) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+// Not the installation's own updater, which may be anywhere when it was killed.
+KilledTest::KilledTest() {
+    useUpdater(updaterProgram());
+}
+
+void KilledTest::killRuns(Source source, Clock clock, int runs) {
+    const int events = countEvents(source, clock);
+    ASSERT_GT(events, 2 * runs) << "too few moments to tell apart";
+    int killed = 0;
+    for (int run = 0; run < runs; ++run) {
+        reset();
+        const int moment = 1 + run * (events - 1) / runs;
+        SCOPED_TRACE("killed behind event " + std::to_string(moment) + " of " + std::to_string(events));
+        const TreeSnapshot before = scenario.takeInstallationSnapshot();
+        if (!killAt(source, clock, moment)) continue;
+        ++killed;
+        expectNothingLost(before);
+        if (run % 2 == 0)
+            expectNextRunCompletes(source);
+        else
+            expectRecovery(source);
+    }
+    // The last moments may come too late on a busy machine.
+    EXPECT_GE(killed, runs - runs / 5);
+    EXPECT_GE(interrupted_, clock == Clock::installation ? runs / 2 : 0) << "in the middle of the installation";
+    RecordProperty("killed", killed);
+    RecordProperty("interrupted", interrupted_);
+}
+
+void KilledTest::reset() {
+    fs::remove_all(scenario.workFolder);
+    for (const std::string& path : scenario.managedPaths)
+        fs::remove(scenario.installation / path);
+    layOut(sampleRelease41(), scenario.installation);
+}
+
+void KilledTest::watchWith(FolderWatch& watch, Clock clock) const {
+    watch.addTree(scenario.installation, clock == Clock::run ? kAnything : kMoves);
+}
+
+/// Counts one event, if there is one, and follows the work folder as it is made.
+bool KilledTest::takeEvent(FolderWatch& watch, Clock clock) {
+    const std::optional<FolderEvent> event = watch.next(Milliseconds(1));
+    if (!event) return false;
+    std::error_code gone;
+    if (clock == Clock::run && (event->what & IN_CREATE) != 0 && (event->what & IN_ISDIR) != 0 &&
+        fs::is_directory(event->path, gone))
+        watch.add(event->path, kAnything);
+    return true;
+}
+
+int KilledTest::countEvents(Source source, Clock clock) {
+    FolderWatch watch;
+    watchWith(watch, clock);
+    ChildProcess updater = startUpdater(command(source));
+    int events = 0;
+    bool ended = false;
+    while (!ended) {
+        ended = updater.hasEnded(Milliseconds(0));
+        while (takeEvent(watch, clock))
+            ++events;
+    }
+    EXPECT_EQ(updater.wait(kRunLimit).exitCode, 0);
+    finishRun();
+    return events;
+}
+
+/// @return false when the run ended before
+bool KilledTest::killAt(Source source, Clock clock, int moment) {
+    FolderWatch watch;
+    watchWith(watch, clock);
+    ChildProcess updater = startUpdater(command(source));
+    int events = 0;
+    while (events < moment && !updater.hasEnded(Milliseconds(0)))
+        if (takeEvent(watch, clock)) ++events;
+    updater.kill();
+    const bool killed = updater.wait(kRunLimit).killed;
+    waitUntilQuiet();
+    finishRun();
+    return killed;
+}
+
+/// The archive tool may outlive the updater, and Wine's server may still be busy with the last request of either:
+/// it takes requests in turn, so it is done with them when it has served another program.
+void KilledTest::waitUntilQuiet() const {
+    bool done = false;
+    while (!done) {
+        done = !anyProcessNames(scenario.root.filename().string());
+        FileLock({});
+    }
+}
+
+void KilledTest::expectNothingLost(const TreeSnapshot& before) {
+    const fs::path& installation = scenario.installation;
+    const fs::path backup = scenario.workFolder / "backup";
+    const fs::path staging = scenario.workFolder / "staging";
+    if (!fs::exists(backup)) {
+        expectInstallation(before);
+        return;
+    }
+    if (!scenario.differencesFrom(sampleRelease41()).empty() && !scenario.differencesFrom(sampleRelease42()).empty())
+        ++interrupted_;
+    for (const auto& [path, file] : sampleRelease41())
+        EXPECT_NE(holds(installation / path, file.content) && !fs::exists(backup / path),
+                  holds(backup / path, file.content))
+            << path << " of the previous release";
+    for (const auto& [path, file] : sampleRelease42())
+        EXPECT_TRUE(holds(staging / path, file.content) || holds(installation / path, file.content))
+            << path << " of the new release";
+    for (const std::string& path : scenario.managedPaths)
+        EXPECT_FALSE(fs::exists(backup / path) && fs::exists(installation / path) && fs::exists(staging / path))
+            << path << " is there twice";
+}
+
+void KilledTest::expectNextRunCompletes(Source source) {
+    const int code = runUpdater(source);
+    if (code == 10) {
+        // Without the game, the updater or the list the folder is not taken for an installation, and nothing in it
+        // is touched: the recovery is still possible.
+        expectRecovery(source);
+        return;
+    }
+    EXPECT_EQ(code, 0);
+    expectRelease42();
+}
+
+/// Copies the backup over the installation, which makes the previous release whole, and updates again.
+void KilledTest::expectRecovery(Source source) {
+    const fs::path backup = scenario.workFolder / "backup";
+    if (fs::exists(backup))
+        fs::copy(backup, scenario.installation, fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+    for (const auto& [path, file] : sampleRelease41())
+        EXPECT_TRUE(holds(scenario.installation / path, file.content)) << path << " after the recovery";
+    EXPECT_EQ(runUpdater(source), 0);
+    expectRelease42();
+}
+
+}  // namespace vorthmere::end_to_end
