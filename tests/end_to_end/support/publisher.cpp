@@ -39,8 +39,16 @@ ReleaseFiles publishedFiles(std::uint32_t release, const std::filesystem::path& 
             files[entry.path().lexically_relative(game).generic_string()].content = readFile(entry.path());
     files[std::string(update::kReleaseMarkerName)].content =
         "release=" + std::to_string(release) + "\nversion=" + kVersion + "\nprotocol=1\n";
-    std::string& list = files[std::string(update::kManagedFileListName)].content;
-    list = renderManagedFileList(files);
+    // The files without which a folder is no installation stand last.
+    ReleaseFiles others = files;
+    ReleaseFiles essential;
+    for (const std::string_view name :
+         {update::kManagedFileListName, update::kUpdaterExecutableName, update::kGameExecutableName}) {
+        essential[std::string(name)] = {};
+        others.erase(std::string(name));
+    }
+    files[std::string(update::kManagedFileListName)].content =
+        renderManagedFileList(others) + renderManagedFileList(essential);
     return files;
 }
 
