@@ -18,7 +18,7 @@
 namespace vorthmere::publish {
 namespace {
 
-struct ArchiveRelease {
+struct ReadArchiveRelease {
     void operator()(archive* zip) const {
         archive_read_free(zip);
     }
@@ -63,7 +63,7 @@ private:
         return false;
     }
 
-    std::unique_ptr<archive, ArchiveRelease> zip_;
+    std::unique_ptr<archive, ReadArchiveRelease> zip_;
 };
 
 using Expected = std::map<std::string, const update::InventoryEntry*, std::less<>>;

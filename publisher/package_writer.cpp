@@ -15,7 +15,7 @@ namespace {
 constexpr const char* kDeflateLevel = "6";
 constexpr unsigned kFileMode = 0644;
 
-struct ArchiveRelease {
+struct WrittenArchiveRelease {
     void operator()(archive* zip) const {
         archive_write_free(zip);
     }
@@ -66,7 +66,7 @@ public:
     bool add(const ReleaseFile& file, const BytesDone& done, std::string& error) {
         // No time is set: the library then writes the format's earliest date, whatever the machine's time zone, and
         // leaves out the field with Unix times.
-        const std::unique_ptr<archive_entry, ArchiveRelease> entry(archive_entry_new());
+        const std::unique_ptr<archive_entry, WrittenArchiveRelease> entry(archive_entry_new());
         archive_entry_set_pathname(entry.get(), file.entry.path.c_str());
         archive_entry_set_filetype(entry.get(), AE_IFREG);
         archive_entry_set_perm(entry.get(), kFileMode);
@@ -96,7 +96,7 @@ private:
     }
 
     PackageOutput& output_;
-    std::unique_ptr<archive, ArchiveRelease> zip_;
+    std::unique_ptr<archive, WrittenArchiveRelease> zip_;
 };
 
 }  // namespace
