@@ -1,0 +1,12 @@
+#include <cstdio>
+
+#include "bench/program/subcommands.h"
+
+namespace vorthmere::bench {
+
+void idle(Arguments) {
+    while (std::getchar() != EOF) {
+    }
+}
+
+}  // namespace vorthmere::bench
