@@ -1,0 +1,53 @@
+"""Measures the updater beside what no updater can do without. Started by scripts/bench."""
+import argparse
+import shutil
+import sys
+
+import growth
+import measurements
+import table
+from checkout import ROOT, WORK
+
+DOCUMENT = ROOT / "docs" / "performance.md"
+TABLE_BEGINS = "<!-- table -->\n"
+TABLE_ENDS = "<!-- end of the table -->\n"
+
+
+def keep_table(rows):
+    text = DOCUMENT.read_text()
+    before, rest = text.split(TABLE_BEGINS)
+    _, after = rest.split(TABLE_ENDS)
+    DOCUMENT.write_text(before + TABLE_BEGINS + table.as_markdown(rows) + TABLE_ENDS + after)
+
+
+def parse_options():
+    parser = argparse.ArgumentParser(prog="scripts/bench", description=__doc__)
+    parser.add_argument("--tsv", action="store_true", help="print the rows separated by tabs: name, value, floor, "
+                        "ratio, aim")
+    parser.add_argument("--quick", action="store_true", help="small sizes and few repetitions, for work on the "
+                        "benchmarks themselves; such figures mean nothing")
+    parser.add_argument("--only", action="append", choices=[*measurements.MEASUREMENTS, "growth"], metavar="NAME",
+                        help="measure this alone; may be given more than once: %(choices)s")
+    parser.add_argument("--keep", action="store_true", help="put the table and the plots into docs/")
+    options = parser.parse_args()
+    if options.keep and (options.quick or options.only):
+        parser.error("only the whole of it is worth keeping")
+    return options
+
+
+def main():
+    options = parse_options()
+    chosen = options.only or [*measurements.MEASUREMENTS, "growth"]
+    sizes = measurements.Sizes(options.quick)
+    shutil.rmtree(WORK, ignore_errors=True)
+    WORK.mkdir(parents=True)
+    rows = measurements.measure(sizes, [name for name in chosen if name != "growth"])
+    print(table.as_tsv(rows) if options.tsv else table.as_text(rows), end="", flush=True)
+    if "growth" in chosen:
+        growth.measure(sizes, ROOT / "docs" if options.keep else WORK)
+    if options.keep:
+        keep_table(rows)
+    return 0
+
+
+sys.exit(main())

@@ -1,0 +1,123 @@
+"""Makes game folders, publishes them, and lays out installations of them."""
+import random
+import shutil
+import subprocess
+import zipfile
+
+from checkout import PUBLISHER
+
+MIB = 1 << 20
+REQUIRED = ["Vorthmere.exe", "KVNUpdater.exe"]
+# Written by the publisher into every release.
+PUBLISHED = ["KVN_MANAGED_FILES.txt", "kvn_release.txt"]
+FOLDERS = 20
+RELEASE = 42
+
+REPEATED_BLOCK = 16384
+FRAGMENT = 512
+PACKED_EVERY = 4
+
+
+def file_name(number):
+    if number < len(REQUIRED):
+        return REQUIRED[number]
+    return f"data/part {number % FOLDERS:02}/asset-{number:04}.dat"
+
+
+def _write(folder, name, content):
+    file = folder / name
+    file.parent.mkdir(parents=True, exist_ok=True)
+    file.write_bytes(content)
+
+
+def make_even_game(folder, files, total, packed_share):
+    """A game whose release has so many files of the same size, together `total` bytes but for what the publisher adds.
+
+    The first part of each file, `packed_share` of it, cannot be compressed; the rest nearly vanishes.
+    """
+    source = random.Random(42)
+    files -= len(PUBLISHED)
+    for number in range(files):
+        size = total * (number + 1) // files - total * number // files
+        packed = int(size * packed_share)
+        block = source.randbytes(REPEATED_BLOCK)
+        content = source.randbytes(packed) + block * ((size - packed) // REPEATED_BLOCK + 1)
+        _write(folder, file_name(number), content[:size])
+
+
+def _text_fragments(source):
+    words = ["".join(source.choices("abcdefghijklmnopqrstuvwxyz_", k=source.randint(3, 9))) for _ in range(100)]
+    pool = []
+    for _ in range(4096):
+        record = ""
+        while len(record) < FRAGMENT:
+            record += f"{source.choice(words)}.{source.choice(words)}={source.randint(0, 63)}\n"
+        pool.append(record[:FRAGMENT].encode())
+    return pool
+
+
+def make_varied_game(folder, files, total, packed_every):
+    """A game like a real one: files from a fraction of their mean size to several times that.
+
+    Every `packed_every`th cannot be compressed, as sound and textures in packed formats; the others are text-like
+    records that deflate brings down to about a third or less.
+    """
+    source = random.Random(42)
+    shares = [source.expovariate(1) + 0.07 for _ in range(files)]
+    sizes = [int(share * total / sum(shares)) for share in shares]
+    sizes[0] += total - sum(sizes)
+    pool = _text_fragments(source)
+    for number, size in enumerate(sizes):
+        if number % packed_every == packed_every - 1:
+            content = source.randbytes(size)
+        else:
+            content = b"".join(source.choices(pool, k=size // FRAGMENT + 1))[:size]
+        _write(folder, file_name(number), content)
+
+
+def publish(game, channel):
+    """Publishes the game into the channel and returns the path of the package."""
+    subprocess.run(
+        [PUBLISHER, "build", "--release", str(RELEASE), "--version", "bench", "--protocol", "1", "--from", game,
+         "--channel", channel],
+        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)
+    return channel / f"KVN-release-{RELEASE}.zip"
+
+
+def inventory(package):
+    """The release's files in order: path, and digest of the content."""
+    records = package.with_name(package.name + ".files").read_text().splitlines()[5:]
+    return [(path, digest) for path, _, digest in (record.split("\t") for record in records)]
+
+
+class Installation:
+    """An installation of the published game that is one release behind: some files have other content."""
+
+    def __init__(self, folder, game, package, changed):
+        self.folder = folder
+        self.changed = changed
+        shutil.copytree(game, folder)
+        with zipfile.ZipFile(package) as archive:
+            for name in PUBLISHED:
+                archive.extract(name, folder)
+
+    def age(self):
+        """Makes the files to be updated again, as an update has just replaced them."""
+        shutil.rmtree(self.folder / ".kvn-update", ignore_errors=True)
+        for name in self.changed:
+            with open(self.folder / name, "r+b") as file:
+                first = file.read(1)
+                file.seek(0)
+                file.write(bytes([first[0] ^ 1]))
+
+    def transfer(self):
+        """The report of the update that was made, as a dictionary."""
+        report = (self.folder / ".kvn-update" / "transfer.txt").read_text()
+        return dict(line.split("=", 1) for line in report.split())
+
+
+def changed_files(files, count):
+    """The names of `count` files, spread over the release."""
+    numbers = range(len(REQUIRED), files - len(PUBLISHED))
+    step = len(numbers) / count
+    return [file_name(numbers[int(i * step)]) for i in range(count)]
