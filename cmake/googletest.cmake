@@ -1,3 +1,7 @@
-# GoogleTest from Debian's sources: built here, because the installed library is for the native compiler only.
-add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)
+# GoogleTest from Debian's packages: the library for the native compiler, the sources for any other.
+if(CMAKE_CROSSCOMPILING)
+    add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)
+else()
+    find_package(GTest REQUIRED)
+endif()
 include(GoogleTest)

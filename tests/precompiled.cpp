@@ -1,0 +1,1 @@
+// Nothing: a target needs a source.
