@@ -68,7 +68,7 @@ TEST(ChannelHandles, HundredsOfDownloadsLeaveNoHandleOpen) {
     const PlainChannel channel(folder.path());
     ChildProcess probe(
         wineCommand(probeProgram(), {"download-loop", "100", windowsPath(folder / "target"), channelUrl("good"),
-                                     channelUrl("large"), channelUrl("missing"), "https://localhost:1/refused"}));
+                                     channelUrl("large"), channelUrl("missing"), "https://127.0.0.1:1/refused"}));
     const auto fieldsOf = [](const std::string& line) {
         std::vector<std::string> fields;
         std::istringstream text(line);

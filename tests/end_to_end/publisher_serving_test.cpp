@@ -28,7 +28,7 @@ public:
         std::string server = documentedConfiguration();
         const fs::path certificates = channelCertificates();
         replace(server, "listen 443 ssl", "listen 127.0.0.1:" + std::to_string(channelPort()) + " ssl");
-        replace(server, "updates.kelvane.example", "localhost");
+        replace(server, "updates.kelvane.example", "127.0.0.1");
         replace(server, "/etc/ssl/kelvane/fullchain.pem", "\"" + (certificates / "good.pem").string() + "\"");
         replace(server, "/etc/ssl/kelvane/private.key", "\"" + (certificates / "good.key").string() + "\"");
         replace(server, "root /srv/kelvane", "root \"" + root.string() + "\"");
@@ -79,7 +79,7 @@ protected:
 
     static std::vector<std::string> answers(const std::vector<std::string>& names) {
         std::vector<std::string> command{fs::path(KVN_SOURCE_FOLDER) / "tests/end_to_end/support/get_headers.py",
-                                         "localhost", std::to_string(channelPort())};
+                                         "127.0.0.1", std::to_string(channelPort())};
         for (const std::string& name : names)
             command.push_back(channelPath(name));
         ChildProcess client(command);

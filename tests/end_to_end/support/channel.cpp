@@ -22,12 +22,6 @@ constexpr std::string_view kScheme = "https://";
 
 const std::string kSources = KVN_SOURCE_FOLDER;
 
-/// "host:port" of the channel's address.
-std::string_view authority() {
-    std::string_view rest = update::kDownloadBaseUrl.substr(kScheme.size());
-    return rest.substr(0, rest.find('/'));
-}
-
 void runTool(const std::vector<std::string>& command, const ProcessOptions& options = {}) {
     const ProcessEnd end = ChildProcess(command, options).wait(kToolLimit);
     if (end.exitCode != 0) throw std::runtime_error(command.front() + " failed");
@@ -45,15 +39,19 @@ ChannelRequest parseRequest(const std::string& line) {
 
 }  // namespace
 
+std::string channelAuthority() {
+    const std::string_view rest = update::kDownloadBaseUrl.substr(kScheme.size());
+    return std::string(rest.substr(0, rest.find('/')));
+}
+
 unsigned channelPort() {
-    const std::string_view place = authority();
-    const std::size_t colon = place.find(':');
-    return colon == std::string_view::npos ? 443U
-                                           : static_cast<unsigned>(std::stoul(std::string(place.substr(colon + 1))));
+    const std::string authority = channelAuthority();
+    const std::size_t colon = authority.find(':');
+    return colon == std::string::npos ? 443U : static_cast<unsigned>(std::stoul(authority.substr(colon + 1)));
 }
 
 std::string channelPath(const std::string& name) {
-    return std::string(update::kDownloadBaseUrl.substr(kScheme.size() + authority().size())) + name;
+    return std::string(update::kDownloadBaseUrl.substr(kScheme.size() + channelAuthority().size())) + name;
 }
 
 std::string channelUrl(const std::string& name) {
@@ -69,11 +67,12 @@ ChannelRequest requestFor(const std::string& name) {
 }
 
 fs::path channelCertificates() {
-    const fs::path folder = KVN_CHANNEL_CERTIFICATES;
+    const std::string host = channelAuthority().substr(0, channelAuthority().find(':'));
+    const fs::path folder = fs::path(KVN_CHANNEL_CERTIFICATES) / host;
     const auto age = [&folder] { return fs::file_time_type::clock::now() - fs::last_write_time(folder); };
     if (!exists(folder) || age() > std::chrono::hours(24)) {
         fs::remove_all(folder);
-        runTool({kSources + "/scripts/channel-certificates", folder.string()});
+        runTool({kSources + "/scripts/channel-certificates", folder.string(), host});
     }
     // Each time, as the prefix may have been made anew since.
     runTool(wineCommand(probeProgram(), {"trust", windowsPath(folder / "authority.der")}));

@@ -12,6 +12,9 @@ namespace vorthmere::end_to_end {
 /// Where the test channel is: the release channel of the build, which is on this machine.
 [[nodiscard]] unsigned channelPort();
 
+/// "host:port" of the channel's address.
+[[nodiscard]] std::string channelAuthority();
+
 /// The path in the address of a file of the channel, and the whole address.
 [[nodiscard]] std::string channelPath(const std::string& name);
 [[nodiscard]] std::string channelUrl(const std::string& name);
