@@ -17,7 +17,7 @@ class ExitCodeTest : public EndToEndTest {
 protected:
     /// Replaces the offered release by one with other files in its package; manifest and inventory fit the package.
     void offer(const ReleaseFiles& files) {
-        scenario.release = publish(scenario.release.folder, files, 42);
+        scenario.release = publishByHand(scenario.release.folder, files, 42);
     }
 
     void offerManifest(const ManifestText& manifest) {

@@ -10,7 +10,6 @@ namespace vorthmere::end_to_end {
 namespace {
 
 constexpr Milliseconds kToolLimit{60'000};
-constexpr const char* kVersion = "0.9.3 alpha";
 
 }  // namespace
 
@@ -28,8 +27,10 @@ ToolEnd runPublisher(const std::vector<std::string>& arguments, unsigned killAtC
 
 std::vector<std::string> buildArguments(std::uint32_t release, const std::filesystem::path& game,
                                         const std::filesystem::path& channel) {
-    return {"build", "--release", std::to_string(release), "--version", kVersion,        "--protocol",
-            "1",     "--from",    game.string(),           "--channel", channel.string()};
+    const ManifestText details;
+    return {"build",          "--release", std::to_string(release), "--version", details.version, "--protocol",
+            details.protocol, "--notes",   details.notes,           "--from",    game.string(),   "--channel",
+            channel.string()};
 }
 
 ReleaseFiles publishedFiles(std::uint32_t release, const std::filesystem::path& game) {
@@ -37,19 +38,7 @@ ReleaseFiles publishedFiles(std::uint32_t release, const std::filesystem::path& 
     for (const auto& entry : std::filesystem::recursive_directory_iterator(game))
         if (entry.is_regular_file())
             files[entry.path().lexically_relative(game).generic_string()].content = readFile(entry.path());
-    files[std::string(update::kReleaseMarkerName)].content =
-        "release=" + std::to_string(release) + "\nversion=" + kVersion + "\nprotocol=1\n";
-    // The files without which a folder is no installation stand last.
-    ReleaseFiles others = files;
-    ReleaseFiles essential;
-    for (const std::string_view name :
-         {update::kManagedFileListName, update::kUpdaterExecutableName, update::kGameExecutableName}) {
-        essential[std::string(name)] = {};
-        others.erase(std::string(name));
-    }
-    files[std::string(update::kManagedFileListName)].content =
-        renderManagedFileList(others) + renderManagedFileList(essential);
-    return files;
+    return withReleaseMetadata(std::move(files), release);
 }
 
 }  // namespace vorthmere::end_to_end

@@ -7,7 +7,9 @@
 namespace vorthmere::end_to_end {
 
 ReleaseFiles withReleaseMetadata(ReleaseFiles files, std::uint32_t release) {
-    files[std::string(update::kReleaseMarkerName)] = {"release=" + std::to_string(release) + "\n"};
+    ManifestText manifest;
+    manifest.release = std::to_string(release);
+    files[std::string(update::kReleaseMarkerName)] = {renderReleaseMarker(manifest)};
     std::string& list = files[std::string(update::kManagedFileListName)].content;
     list = renderManagedFileList(files);
     return files;

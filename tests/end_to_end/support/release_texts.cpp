@@ -28,11 +28,19 @@ std::string renderInventory(const ManifestText& manifest, const ReleaseFiles& fi
     return text;
 }
 
+std::string renderReleaseMarker(const ManifestText& manifest) {
+    return "release=" + manifest.release + "\nversion=" + manifest.version + "\nprotocol=" + manifest.protocol + "\n";
+}
+
 std::string renderManagedFileList(const ReleaseFiles& files) {
     std::string text;
-    for (const auto& [path, file] : files)
-        text += path + "\n";
-    return text;
+    std::string last;
+    for (const auto& [path, file] : files) {
+        const bool isEssential = path == update::kManagedFileListName || path == update::kUpdaterExecutableName ||
+                                 path == update::kGameExecutableName;
+        (isEssential ? last : text) += path + "\n";
+    }
+    return text + last;
 }
 
 }  // namespace vorthmere::end_to_end

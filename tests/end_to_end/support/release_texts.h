@@ -24,6 +24,9 @@ struct ManifestText {
 
 [[nodiscard]] std::string renderManifest(const ManifestText& manifest);
 [[nodiscard]] std::string renderInventory(const ManifestText& manifest, const ReleaseFiles& files);
+
+/// The files without which a folder is no installation stand last.
 [[nodiscard]] std::string renderManagedFileList(const ReleaseFiles& files);
+[[nodiscard]] std::string renderReleaseMarker(const ManifestText& manifest);
 
 }  // namespace vorthmere::end_to_end

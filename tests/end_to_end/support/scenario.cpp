@@ -1,11 +1,14 @@
 #include "tests/end_to_end/support/scenario.h"
 
 #include <cstdlib>
+#include <stdexcept>
 #include <system_error>
 
 #include "tests/end_to_end/support/digest.h"
 #include "tests/end_to_end/support/files.h"
+#include "tests/end_to_end/support/publisher.h"
 #include "tests/end_to_end/support/sample_release.h"
+#include "tests/support/temporary_folder.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::end_to_end {
@@ -18,6 +21,16 @@ fs::path makeTemporaryFolder(const fs::path& place) {
     return name;
 }
 
+PublishedRelease aroundPackage(const fs::path& channelFolder, std::uint32_t release) {
+    PublishedRelease published;
+    published.folder = channelFolder;
+    published.package = packagePath(channelFolder, release);
+    published.inventory = published.package.string() + std::string(update::kInventorySuffix);
+    published.manifest = channelFolder / update::kManifestName;
+    published.manifestText = manifestOf(readFile(published.package), release);
+    return published;
+}
+
 }  // namespace
 
 fs::path packagePath(const fs::path& channelFolder, std::uint32_t release) {
@@ -25,12 +38,7 @@ fs::path packagePath(const fs::path& channelFolder, std::uint32_t release) {
 }
 
 PublishedRelease publishPackage(const fs::path& channelFolder, const ReleaseFiles& files, std::uint32_t release) {
-    PublishedRelease published;
-    published.folder = channelFolder;
-    published.package = packagePath(channelFolder, release);
-    published.inventory = published.package.string() + std::string(update::kInventorySuffix);
-    published.manifest = channelFolder / update::kManifestName;
-    published.manifestText = manifestOf(readFile(published.package), release);
+    PublishedRelease published = aroundPackage(channelFolder, release);
     for (const auto& [path, file] : files)
         writeFile(channelFolder / (std::string(update::kObjectNamePrefix) + sha256(file.content) +
                                    std::string(update::kObjectNameSuffix)),
@@ -41,6 +49,23 @@ PublishedRelease publishPackage(const fs::path& channelFolder, const ReleaseFile
 }
 
 PublishedRelease publish(const fs::path& channelFolder, const ReleaseFiles& files, std::uint32_t release) {
+    const update::testing::TemporaryFolder game;
+    ReleaseFiles ownFiles = files;
+    ownFiles.erase(std::string(update::kReleaseMarkerName));
+    ownFiles.erase(std::string(update::kManagedFileListName));
+    layOut(ownFiles, game.path());
+    fs::remove_all(channelFolder);
+    const ToolEnd end = runPublisher(buildArguments(release, game.path(), channelFolder));
+    if (end.exitCode != 0) throw std::runtime_error("kvn-release: " + end.output);
+
+    const PublishedRelease published = aroundPackage(channelFolder, release);
+    if (readFile(published.manifest) != renderManifest(published.manifestText) ||
+        readFile(published.inventory) != renderInventory(published.manifestText, files))
+        throw std::runtime_error("kvn-release has published other files than it was given");
+    return published;
+}
+
+PublishedRelease publishByHand(const fs::path& channelFolder, const ReleaseFiles& files, std::uint32_t release) {
     writePackage(packagePath(channelFolder, release), packageEntries(files));
     return publishPackage(channelFolder, files, release);
 }

@@ -22,12 +22,18 @@ struct PublishedRelease {
     ManifestText manifestText;        ///< what the manifest says
 };
 
-/// Publishes files as a release: package, inventory, objects, manifest.
+/// Publishes a release with the publishing tool, in place of whatever the channel folder held.
+///
+/// @param files with the metadata that withReleaseMetadata() adds
 [[nodiscard]] PublishedRelease publish(const std::filesystem::path& channelFolder, const ReleaseFiles& files,
                                        std::uint32_t release);
 
-/// Publishes whatever lies at the package's place: the manifest and, with `files`, the inventory are made to fit it.
-/// For packages that no publisher would make.
+/// Publishes a release that the publishing tool would refuse: package, inventory, objects and manifest fit each other,
+/// whatever the files are.
+[[nodiscard]] PublishedRelease publishByHand(const std::filesystem::path& channelFolder, const ReleaseFiles& files,
+                                             std::uint32_t release);
+
+/// The same around whatever lies at the package's place.
 [[nodiscard]] PublishedRelease publishPackage(const std::filesystem::path& channelFolder, const ReleaseFiles& files,
                                               std::uint32_t release);
 
