@@ -11,16 +11,26 @@
 namespace vorthmere::update {
 namespace {
 
-/// Names a file by its path below `folder`, both as the platform finally resolves them.
-bool nameBelow(const std::filesystem::path& folder, const std::filesystem::path& file, std::string& name) {
-    std::error_code failure;
-    const std::filesystem::path canonicalFile = weaklyCanonicalPath(file, failure);
-    if (failure) return false;
-    const std::filesystem::path canonicalFolder = weaklyCanonicalPath(folder, failure);
-    if (failure) return false;
-    name = toUtf8(canonicalFile.lexically_relative(canonicalFolder).generic_wstring());
-    return true;
-}
+/// Names files by their paths below a folder, both as the platform finally resolves them: the folder once, for the
+/// first file.
+class NamesBelow {
+public:
+    explicit NamesBelow(const std::filesystem::path& folder) : folder_(folder) {}
+
+    bool resolve(const std::filesystem::path& file, std::string& name) {
+        std::error_code failure;
+        const std::filesystem::path canonicalFile = weaklyCanonicalPath(file, failure);
+        if (failure) return false;
+        if (canonicalFolder_.empty()) canonicalFolder_ = weaklyCanonicalPath(folder_, failure);
+        if (failure) return false;
+        name = toUtf8(canonicalFile.lexically_relative(canonicalFolder_).generic_wstring());
+        return true;
+    }
+
+private:
+    const std::filesystem::path& folder_;
+    std::filesystem::path canonicalFolder_;
+};
 
 }  // namespace
 
@@ -29,6 +39,7 @@ bool inspectExtractedTree(const std::filesystem::path& stagingFolder, ExtractedF
     extractedFiles.clear();
     std::wstring fault;
     std::error_code queryFailure;
+    NamesBelow names(stagingFolder);
 
     const auto inspect = [&](const std::filesystem::path& path) {
         const FileType type = entryType(path, queryFailure);
@@ -39,7 +50,7 @@ bool inspectExtractedTree(const std::filesystem::path& stagingFolder, ExtractedF
             return false;
         }
         std::string name;
-        if (!nameBelow(stagingFolder, path, name) || !isSafeRelativePath(name, false) ||
+        if (!names.resolve(path, name) || !isSafeRelativePath(name, false) ||
             !extractedFiles.insert(std::move(name)).second) {
             fault = L"The extracted update contains an unsafe path.";
             return false;
