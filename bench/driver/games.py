@@ -30,18 +30,19 @@ def _write(folder, name, content):
     file.write_bytes(content)
 
 
-def make_even_game(folder, files, total, packed_share):
+def make_even_game(folder, files, total, packed_every):
     """A game whose release has so many files of the same size, together `total` bytes but for what the publisher adds.
 
-    The first part of each file, `packed_share` of it, cannot be compressed; the rest nearly vanishes.
+    Every `packed_every`th cannot be compressed; the others nearly vanish.
     """
     source = random.Random(42)
     files -= len(PUBLISHED)
     for number in range(files):
         size = total * (number + 1) // files - total * number // files
-        packed = int(size * packed_share)
-        block = source.randbytes(REPEATED_BLOCK)
-        content = source.randbytes(packed) + block * ((size - packed) // REPEATED_BLOCK + 1)
+        if number % packed_every == packed_every - 1:
+            content = source.randbytes(size)
+        else:
+            content = source.randbytes(REPEATED_BLOCK) * (size // REPEATED_BLOCK + 1)
         _write(folder, file_name(number), content[:size])
 
 

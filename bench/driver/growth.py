@@ -23,7 +23,7 @@ plot "{data}" using 1:2 with linespoints linewidth 2 pointtype 7 title "incremen
 
 def _measure_one(files, total, repetitions):
     say(f"growth: {files} files, {total // MIB} MiB")
-    with UpdateBench("growth", files, total, 0.25, changed=1) as bench:
+    with UpdateBench("growth", files, total, 4, changed=1) as bench:
         return bench.compare_incremental(repetitions)
 
 

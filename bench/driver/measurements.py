@@ -48,7 +48,7 @@ def memory_row(what, peak, idle):
 
 def measure_incremental(sizes, idle):
     what = f"incremental update, 1 of {sizes.files:,} files changed, {mebibytes(sizes.update_bytes)}"
-    with UpdateBench("incremental", sizes.files, sizes.update_bytes, 0.25, changed=1) as bench:
+    with UpdateBench("incremental", sizes.files, sizes.update_bytes, 4, changed=1) as bench:
         times = bench.compare_incremental(sizes.repetitions)
         peak = bench.incremental(wine.peak_private_bytes, bench.local_objects())
     return [Row(f"{what} [s]", *times, "at most 1.10"), memory_row("incremental update", peak, idle)]
@@ -56,7 +56,7 @@ def measure_incremental(sizes, idle):
 
 def measure_https(sizes, idle):
     what = f"incremental update over HTTPS, 5 % of {mebibytes(sizes.update_bytes)} changed, {sizes.files:,} files"
-    with UpdateBench("https", sizes.files, sizes.update_bytes, 0.25, changed=sizes.files // 20) as bench:
+    with UpdateBench("https", sizes.files, sizes.update_bytes, 4, changed=sizes.files // 20) as bench:
         times, peak = bench.compare_https(sizes.repetitions)
     return [Row(f"{what} [s]", *times, "at most 1.15"), memory_row("incremental update over HTTPS", peak, idle)]
 
@@ -142,7 +142,7 @@ def measure_size(_sizes, _idle):
 
 
 def measure_start(sizes, _idle):
-    with UpdateBench("start", 16, MIB, 0.25, changed=1) as bench:
+    with UpdateBench("start", 16, MIB, 4, changed=1) as bench:
         current = (UPDATER, "--apply", "--install", bench.installation.folder, "--current", str(games.RELEASE),
                    "--no-relaunch", "--test-no-ui", *bench.local_package())
         times = compare(sizes.starts, lambda: wine.seconds_of(*current), lambda: wine.seconds_of(NOTHING))

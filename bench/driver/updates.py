@@ -14,11 +14,11 @@ class UpdateBench:
     """A published game, an installation one release behind, and a folder for what the floor makes.
 
     @param files, total   of the release
-    @param packed_share   share of the bytes that cannot be compressed
+    @param packed_every   every which file cannot be compressed
     @param changed        number of files that the update replaces
     """
 
-    def __init__(self, name, files, total, packed_share, changed):
+    def __init__(self, name, files, total, packed_every, changed):
         self.folder = WORK / name
         shutil.rmtree(self.folder, ignore_errors=True)
         self.channel = self.folder / "channel"
@@ -26,7 +26,7 @@ class UpdateBench:
         self.list = self.folder / "list"
         self.changed = games.changed_files(files, changed)
         game = self.folder / "game"
-        games.make_even_game(game, files, total, packed_share)
+        games.make_even_game(game, files, total, packed_every)
         self.package = games.publish(game, self.channel)
         self.installation = games.Installation(self.folder / "installation", game, self.package, self.changed)
         shutil.rmtree(game)
