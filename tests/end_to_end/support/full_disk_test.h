@@ -1,0 +1,37 @@
+#pragma once
+
+#include <functional>
+#include <set>
+
+#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/small_disk.h"
+
+namespace vorthmere::end_to_end {
+
+/// Comes before the scenario that lies on the disk.
+struct DiskOfScenario {
+    SmallDisk disk;
+};
+
+/// Runs the updater on an installation whose disk is full. Whatever step that stops, the previous release must stay as
+/// it was. Skipped on a machine where no file system can be mounted.
+class FullDiskTest : private DiskOfScenario, public EndToEndTest {
+protected:
+    FullDiskTest();
+
+    void SetUp() override;
+
+    /// Runs the updater with more and more space until it succeeds.
+    ///
+    /// @param step how much more space each run has than the one before
+    /// @return the exit codes that occurred
+    std::set<int> codesWithBytes(Source source, std::uint64_t step);
+
+    /// The same with a limit on the number of files and folders.
+    std::set<int> codesWithFiles(Source source, std::uint64_t step);
+
+private:
+    std::set<int> codesUntilDone(Source source, const std::function<void(std::uint64_t run)>& limitDisk);
+};
+
+}  // namespace vorthmere::end_to_end
