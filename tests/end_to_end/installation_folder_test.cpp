@@ -58,7 +58,7 @@ TEST_F(InstallationFolderTest, MayBeWrittenInOtherLetterCase) {
 
 class AccentedFolderTest : public EndToEndTest {
 protected:
-    AccentedFolderTest() : EndToEndTest({.installationName = "Spiele f\xC3\xBCr J\xC3\xB6rg", .place = {}}) {}
+    AccentedFolderTest() : EndToEndTest({.installationName = "Spiele f\xC3\xBCr J\xC3\xB6rg"}) {}
 };
 
 TEST_F(AccentedFolderTest, IsUpdatedIncrementally) {
@@ -73,7 +73,7 @@ TEST_F(AccentedFolderTest, IsUpdatedFromTheCompletePackage) {
 
 class ForeignScriptFolderTest : public EndToEndTest {
 protected:
-    ForeignScriptFolderTest() : EndToEndTest({.installationName = "\xE6\x98\x9F\xE3\x81\xAE game", .place = {}}) {}
+    ForeignScriptFolderTest() : EndToEndTest({.installationName = "\xE6\x98\x9F\xE3\x81\xAE game"}) {}
 };
 
 TEST_F(ForeignScriptFolderTest, IsUpdatedIncrementally) {

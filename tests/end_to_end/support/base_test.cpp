@@ -148,11 +148,11 @@ bool EndToEndTest::waitUntilReadyToInstall(FolderWatch& watch) const {
 }
 
 void EndToEndTest::expectRelease41() const {
-    expectInstalled(sampleRelease41());
+    expectInstalled(scenario.installed);
 }
 
 void EndToEndTest::expectRelease42() const {
-    expectInstalled(sampleRelease42());
+    expectInstalled(scenario.offered);
 }
 
 void EndToEndTest::expectInstalled(const ReleaseFiles& files) const {

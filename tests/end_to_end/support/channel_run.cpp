@@ -74,7 +74,7 @@ void ChannelRun::expectUntouched() const {
 }
 
 void ChannelRun::expectUpdated() const {
-    EXPECT_EQ(scenario.differencesFrom(sampleRelease42()), "");
+    EXPECT_EQ(scenario.differencesFrom(scenario.offered), "");
     EXPECT_THAT(readFile(scenario.workFolder / "transfer.txt"),
                 testing::StartsWith("mode=" + expectation_.transferMode + "\r\n"));
 }

@@ -4,7 +4,7 @@
 
 namespace vorthmere::end_to_end {
 
-FullDiskTest::FullDiskTest() : EndToEndTest({.installationName = "Kelvane game", .place = disk.folder()}) {
+FullDiskTest::FullDiskTest() : EndToEndTest({.place = disk.folder()}) {
     // Its file need not be on the full disk.
     useUpdater(updaterProgram());
 }

@@ -5,7 +5,6 @@
 
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/programs.h"
-#include "tests/end_to_end/support/sample_release.h"
 
 namespace vorthmere::end_to_end {
 namespace fs = std::filesystem;
@@ -44,7 +43,7 @@ void KilledTest::killRuns(Source source, Clock clock, int runs) {
     ASSERT_GT(events, 2 * runs) << "too few moments to tell apart";
     int killed = 0;
     for (int run = 0; run < runs; ++run) {
-        reset();
+        scenario.reset();
         const int moment = 1 + run * (events - 1) / runs;
         SCOPED_TRACE("killed behind event " + std::to_string(moment) + " of " + std::to_string(events));
         const TreeSnapshot before = scenario.takeInstallationSnapshot();
@@ -61,13 +60,6 @@ void KilledTest::killRuns(Source source, Clock clock, int runs) {
     EXPECT_GE(interrupted_, clock == Clock::installation ? runs / 2 : 0) << "in the middle of the installation";
     RecordProperty("killed", killed);
     RecordProperty("interrupted", interrupted_);
-}
-
-void KilledTest::reset() {
-    fs::remove_all(scenario.workFolder);
-    for (const std::string& path : scenario.managedPaths)
-        fs::remove(scenario.installation / path);
-    layOut(sampleRelease41(), scenario.installation);
 }
 
 void KilledTest::watchWith(FolderWatch& watch, Clock clock) const {
@@ -134,13 +126,13 @@ void KilledTest::expectNothingLost(const TreeSnapshot& before) {
         expectInstallation(before);
         return;
     }
-    if (!scenario.differencesFrom(sampleRelease41()).empty() && !scenario.differencesFrom(sampleRelease42()).empty())
+    if (!scenario.differencesFrom(scenario.installed).empty() && !scenario.differencesFrom(scenario.offered).empty())
         ++interrupted_;
-    for (const auto& [path, file] : sampleRelease41())
+    for (const auto& [path, file] : scenario.installed)
         EXPECT_NE(holds(installation / path, file.content) && !fs::exists(backup / path),
                   holds(backup / path, file.content))
             << path << " of the previous release";
-    for (const auto& [path, file] : sampleRelease42())
+    for (const auto& [path, file] : scenario.offered)
         EXPECT_TRUE(holds(staging / path, file.content) || holds(installation / path, file.content))
             << path << " of the new release";
     for (const std::string& path : scenario.managedPaths)
@@ -165,7 +157,7 @@ void KilledTest::expectRecovery(Source source) {
     const fs::path backup = scenario.workFolder / "backup";
     if (fs::exists(backup))
         fs::copy(backup, scenario.installation, fs::copy_options::recursive | fs::copy_options::overwrite_existing);
-    for (const auto& [path, file] : sampleRelease41())
+    for (const auto& [path, file] : scenario.installed)
         EXPECT_TRUE(holds(scenario.installation / path, file.content)) << path << " after the recovery";
     EXPECT_EQ(runUpdater(source), 0);
     expectRelease42();

@@ -21,7 +21,6 @@ protected:
     void killRuns(Source source, Clock clock, int runs);
 
 private:
-    void reset();
     void watchWith(FolderWatch& watch, Clock clock) const;
     static bool takeEvent(FolderWatch& watch, Clock clock);
     int countEvents(Source source, Clock clock);

@@ -1,5 +1,7 @@
 #include "tests/end_to_end/support/release_texts.h"
 
+#include <algorithm>
+
 #include "tests/end_to_end/support/digest.h"
 #include "update/release_channel.h"
 
@@ -32,15 +34,22 @@ std::string renderReleaseMarker(const ManifestText& manifest) {
     return "release=" + manifest.release + "\nversion=" + manifest.version + "\nprotocol=" + manifest.protocol + "\n";
 }
 
+std::vector<std::string> managedFileOrder(const ReleaseFiles& files) {
+    std::vector<std::string> paths;
+    for (const auto& [path, file] : files)
+        paths.push_back(path);
+    std::stable_partition(paths.begin(), paths.end(), [](const std::string& path) {
+        return path != update::kManagedFileListName && path != update::kUpdaterExecutableName &&
+               path != update::kGameExecutableName;
+    });
+    return paths;
+}
+
 std::string renderManagedFileList(const ReleaseFiles& files) {
     std::string text;
-    std::string last;
-    for (const auto& [path, file] : files) {
-        const bool isEssential = path == update::kManagedFileListName || path == update::kUpdaterExecutableName ||
-                                 path == update::kGameExecutableName;
-        (isEssential ? last : text) += path + "\n";
-    }
-    return text + last;
+    for (const std::string& path : managedFileOrder(files))
+        text += path + "\n";
+    return text;
 }
 
 }  // namespace vorthmere::end_to_end

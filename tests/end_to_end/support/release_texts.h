@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "tests/end_to_end/support/release_files.h"
 
@@ -27,6 +28,10 @@ struct ManifestText {
 
 /// The files without which a folder is no installation stand last.
 [[nodiscard]] std::string renderManagedFileList(const ReleaseFiles& files);
+
+/// The paths in the order of that list.
+[[nodiscard]] std::vector<std::string> managedFileOrder(const ReleaseFiles& files);
+
 [[nodiscard]] std::string renderReleaseMarker(const ManifestText& manifest);
 
 }  // namespace vorthmere::end_to_end

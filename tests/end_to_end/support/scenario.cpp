@@ -7,7 +7,6 @@
 #include "tests/end_to_end/support/digest.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/publisher.h"
-#include "tests/end_to_end/support/sample_release.h"
 #include "tests/support/temporary_folder.h"
 #include "update/release_channel.h"
 
@@ -74,21 +73,30 @@ Scenario::Scenario(const ScenarioOptions& options)
     : root(makeTemporaryFolder(options.place)),
       installation(root / "games" / options.installationName),
       workFolder(installation / update::kWorkFolderName),
-      gameReport(root / "game report.txt") {
-    layOut(sampleRelease41(), installation);
+      gameReport(root / "game report.txt"),
+      installed(options.installed),
+      offered(options.offered) {
+    layOut(installed, installation);
     layOut(playersFiles(), installation);
     fs::create_directories(installation / "mods");
     writeFile(root / "beside.txt", "not the game's");
     writeFile(root / "games" / "other game" / "Vorthmere.exe", "another installation");
-    release = publish(root / "channel", sampleRelease42(), 42);
-    for (const ReleaseFiles& files : {sampleRelease41(), sampleRelease42()})
-        for (const auto& [path, file] : files)
+    release = publish(root / "channel", offered, 42);
+    for (const ReleaseFiles* files : {&installed, &offered})
+        for (const auto& [path, file] : *files)
             managedPaths.insert(path);
 }
 
 Scenario::~Scenario() {
     std::error_code ignored;
     if (!std::getenv("KVN_KEEP_SCENARIOS")) fs::remove_all(root, ignored);
+}
+
+void Scenario::reset() const {
+    fs::remove_all(workFolder);
+    for (const std::string& path : managedPaths)
+        fs::remove_all(installation / path);
+    layOut(installed, installation);
 }
 
 TreeSnapshot Scenario::takeProtectedSnapshot() const {

@@ -9,6 +9,7 @@
 #include "tests/end_to_end/support/package_writer.h"
 #include "tests/end_to_end/support/release_files.h"
 #include "tests/end_to_end/support/release_texts.h"
+#include "tests/end_to_end/support/sample_release.h"
 #include "tests/end_to_end/support/tree_snapshot.h"
 
 namespace vorthmere::end_to_end {
@@ -42,12 +43,14 @@ struct PublishedRelease {
 
 struct ScenarioOptions {
     std::string installationName = "Kelvane game";  ///< the installation folder's name; any characters
-    std::filesystem::path place;  ///< where to make the scenario; empty: the system's temporary folder
+    std::filesystem::path place = {};  ///< where to make the scenario; empty: the system's temporary folder
+    ReleaseFiles installed = sampleRelease41();
+    ReleaseFiles offered = sampleRelease42();
 };
 
-/// A temporary folder with blanks in its name that holds an installation of the sample release 41 with a player's
-/// files in it, files beside the installation that are nobody's business, and a channel folder with the sample release
-/// 42. It is removed at the end of this object's life.
+/// A temporary folder with blanks in its name that holds an installation of a release 41 with a player's files in it,
+/// files beside the installation that are nobody's business, and a channel folder with a release 42. It is removed at
+/// the end of this object's life.
 class Scenario {
 public:
     explicit Scenario(const ScenarioOptions& options = {});
@@ -59,10 +62,15 @@ public:
     std::filesystem::path installation;
     std::filesystem::path workFolder;
     std::filesystem::path gameReport;  ///< where the sample game tells how it was started
+    ReleaseFiles installed;            ///< the release 41
+    ReleaseFiles offered;              ///< the release 42
     PublishedRelease release;          ///< what the updater is offered
 
     /// Every path that the updater may change in the installation; whatever else is there is the player's.
     std::set<std::string> managedPaths;
+
+    /// Lays out release 41 again, without a work folder.
+    void reset() const;
 
     /// The player's files in the installation, and everything in the scenario outside of it.
     [[nodiscard]] TreeSnapshot takeProtectedSnapshot() const;

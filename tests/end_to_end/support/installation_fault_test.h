@@ -1,0 +1,35 @@
+#pragma once
+
+#include <set>
+
+#include "tests/end_to_end/support/base_test.h"
+
+namespace vorthmere::end_to_end {
+
+/// A file or folder that is out of the way during this object's life. Whatever took its place is removed at the end.
+class MovedAside {
+public:
+    MovedAside(std::filesystem::path path, std::filesystem::path place);
+    MovedAside(const MovedAside&) = delete;
+    MovedAside& operator=(const MovedAside&) = delete;
+    ~MovedAside();
+
+private:
+    std::filesystem::path path_;
+    std::filesystem::path place_;
+};
+
+/// Makes steps of the installation fail, in an update with few files of every kind: kept, changed, dropped and new
+/// ones, in folders that stay, go and come.
+class InstallationFaultTest : public EndToEndTest {
+protected:
+    InstallationFaultTest();
+
+    /// The files below a folder of the work folder.
+    [[nodiscard]] std::set<std::string> filesIn(const char* folder) const;
+
+    const std::vector<std::string> oldPaths = managedFileOrder(scenario.installed);
+    const std::vector<std::string> newPaths = managedFileOrder(scenario.offered);
+};
+
+}  // namespace vorthmere::end_to_end
