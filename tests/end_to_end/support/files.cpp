@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <stdexcept>
+#include <utility>
 
 namespace vorthmere::end_to_end {
 namespace fs = std::filesystem;
@@ -16,7 +17,9 @@ constexpr fs::perms kWriteBits = fs::perms::owner_write | fs::perms::group_write
 std::string readFile(const fs::path& file) {
     std::ifstream stream(file, std::ios::binary);
     if (!stream) throw std::runtime_error("cannot read " + file.string());
-    return {std::istreambuf_iterator<char>(stream), {}};
+    std::ostringstream content;
+    if (fs::file_size(file) != 0) content << stream.rdbuf();
+    return std::move(content).str();
 }
 
 void writeFile(const fs::path& file, std::string_view content) {
