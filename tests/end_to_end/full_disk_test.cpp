@@ -9,21 +9,37 @@ namespace vorthmere::end_to_end {
 namespace {
 
 using testing::ElementsAre;
+using testing::Pair;
 
+constexpr const char* kNotWritable =
+    "The game folder is not writable. Move the portable game outside Program Files or run as administrator.";
+constexpr const char* kNotCopied = "Unable to stage the local update package.";
+constexpr const char* kNotUnpacked = "The Windows archive tool rejected the update package.";
+
+// An incremental update that cannot be staged is followed by the attempt to take the complete package.
 TEST_F(FullDiskTest, OutOfSpaceInAnIncrementalUpdate) {
-    // Staging, then the copy of the package, then unpacking run out of space.
-    EXPECT_THAT(codesWithBytes(Source::incremental, 100'000), ElementsAre(0, 16, 22));
+    EXPECT_THAT(outcomesWithBytes(Source::incremental, 100'000),
+                ElementsAre(Pair(0, ""), Pair(16, kNotCopied), Pair(22, kNotUnpacked)));
     expectRelease42();
 }
 
 TEST_F(FullDiskTest, OutOfSpaceInAnUpdateFromTheCompletePackage) {
-    EXPECT_THAT(codesWithBytes(Source::completePackage, 100'000), ElementsAre(0, 16, 22));
+    EXPECT_THAT(outcomesWithBytes(Source::completePackage, 100'000),
+                ElementsAre(Pair(0, ""), Pair(16, kNotCopied), Pair(22, kNotUnpacked)));
     expectRelease42();
 }
 
-TEST_F(FullDiskTest, OutOfFilesInAnIncrementalUpdate) {
-    // No work folder, no package, not all files unpacked, no backup folder or not all folders in it.
-    EXPECT_THAT(codesWithFiles(Source::incremental, 1), ElementsAre(0, 14, 16, 22, 27));
+// Files move without taking space, but the folders that they move to are new.
+class NoMoreFilesTest : public FullDiskTest {
+protected:
+    NoMoreFilesTest() : FullDiskTest(smallUpdate()) {}
+};
+
+TEST_F(NoMoreFilesTest, StopEveryStepThatMakesOne) {
+    EXPECT_THAT(outcomesWithFiles(Source::incremental, 1),
+                ElementsAre(Pair(0, ""), Pair(14, kNotWritable), Pair(16, kNotCopied), Pair(22, kNotUnpacked),
+                            Pair(27, ""), Pair(27, "Unable to prepare an updated installation folder."),
+                            Pair(27, "Unable to prepare the update backup.")));
     expectRelease42();
 }
 

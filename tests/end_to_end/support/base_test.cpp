@@ -134,6 +134,14 @@ int EndToEndTest::runUpdater(UpdaterCommand command, const std::function<void()>
     return end.exitCode;
 }
 
+RunOutcome EndToEndTest::runInWindow(UpdaterCommand command) {
+    command.window = true;
+    ChildProcess probe = startThroughProbe("outcome", command.arguments());
+    EXPECT_FALSE(probe.wait(kRunLimit).killed) << "the updater did not end in time";
+    finishRun();
+    return readOutcome(probe);
+}
+
 // The transfer report is written when the release is staged; the last thing done before the game is waited for is to
 // read the installed list.
 bool EndToEndTest::waitUntilReadyToInstall(FolderWatch& watch) const {

@@ -9,6 +9,7 @@
 
 #include "tests/end_to_end/support/child_process.h"
 #include "tests/end_to_end/support/folder_watch.h"
+#include "tests/end_to_end/support/run_outcome.h"
 #include "tests/end_to_end/support/scenario.h"
 
 namespace vorthmere::end_to_end {
@@ -56,6 +57,9 @@ protected:
     int runUpdater(Source source) {
         return runUpdater(command(source));
     }
+
+    /// Runs the updater in its window to its end.
+    RunOutcome runInWindow(UpdaterCommand command);
 
     /// Starts the updater; the caller waits for it or kills it, and calls finishRun() then.
     [[nodiscard]] ChildProcess startUpdater(const std::vector<std::string>& arguments);

@@ -1,27 +1,16 @@
 #include "tests/end_to_end/support/channel_run.h"
 
-#include <cstdio>
 #include <utility>
 
 #include "tests/end_to_end/support/base_test.h"
 #include "tests/end_to_end/support/channel.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/programs.h"
+#include "tests/end_to_end/support/run_outcome.h"
 #include "tests/end_to_end/support/sample_release.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::end_to_end {
-namespace {
-
-constexpr Milliseconds kLineLimit{5'000};
-
-/// What follows a prefix in a line of the probe.
-std::string valueOf(const std::string& prefix, const std::string& line) {
-    EXPECT_EQ(line.substr(0, prefix.size()), prefix);
-    return line.size() < prefix.size() ? "" : line.substr(prefix.size());
-}
-
-}  // namespace
 
 ChannelRun::ChannelRun(std::string runName) : manifest(), name(std::move(runName)) {
     manifest = scenario.release.manifestText;
@@ -53,18 +42,15 @@ void ChannelRun::finish(Milliseconds timeLimit) {
     SCOPED_TRACE(name);
     const ProcessEnd end = process_->wait(timeLimit);
     ASSERT_FALSE(end.killed) << "the run did not end within " << timeLimit.count() << " ms";
-    valueOf("status=", process_->readLine(kLineLimit));
-    const std::string detail = valueOf("detail=", process_->readLine(kLineLimit));
-    std::array<char, 16> exitLine{};
-    std::snprintf(exitLine.data(), exitLine.size(), "exit=0x%08X", static_cast<unsigned>(expectation_.exitCode));
-    EXPECT_EQ(process_->readLine(kLineLimit), exitLine.data()) << detail;
+    const RunOutcome outcome = readOutcome(*process_);
+    EXPECT_EQ(outcome.exitCode, static_cast<std::uint32_t>(expectation_.exitCode)) << outcome.sentence;
 
     EXPECT_EQ(describeDifferences(protectedBefore_, scenario.takeProtectedSnapshot()), "")
         << "the updater touched what is not its business";
     if (expectation_.exitCode == 0) {
         expectUpdated();
     } else {
-        EXPECT_THAT(detail.substr(0, detail.find("\\n")), expectation_.sentence);
+        EXPECT_THAT(outcome.sentence, expectation_.sentence);
         expectUntouched();
     }
 }

@@ -3,8 +3,16 @@
 #include "tests/end_to_end/support/programs.h"
 
 namespace vorthmere::end_to_end {
+namespace {
 
-FullDiskTest::FullDiskTest() : EndToEndTest({.place = disk.folder()}) {
+ScenarioOptions onDisk(ScenarioOptions options, const SmallDisk& disk) {
+    options.place = disk.folder();
+    return options;
+}
+
+}  // namespace
+
+FullDiskTest::FullDiskTest(ScenarioOptions options) : EndToEndTest(onDisk(std::move(options), disk)) {
     // Its file need not be on the full disk.
     useUpdater(updaterProgram());
 }
@@ -13,29 +21,30 @@ void FullDiskTest::SetUp() {
     if (!disk.reasonWhyMissing().empty()) GTEST_SKIP() << disk.reasonWhyMissing();
 }
 
-std::set<int> FullDiskTest::codesWithBytes(Source source, std::uint64_t step) {
-    return codesUntilDone(source, [&](std::uint64_t run) { disk.leaveBytes(run * step); });
+FullDiskTest::Outcomes FullDiskTest::outcomesWithBytes(Source source, std::uint64_t step) {
+    return outcomesUntilDone(source, [&](std::uint64_t run) { disk.leaveBytes(run * step); });
 }
 
-std::set<int> FullDiskTest::codesWithFiles(Source source, std::uint64_t step) {
-    return codesUntilDone(source, [&](std::uint64_t run) { disk.leaveFiles(run * step); });
+FullDiskTest::Outcomes FullDiskTest::outcomesWithFiles(Source source, std::uint64_t step) {
+    return outcomesUntilDone(source, [&](std::uint64_t run) { disk.leaveFiles(run * step); });
 }
 
-std::set<int> FullDiskTest::codesUntilDone(Source source, const std::function<void(std::uint64_t run)>& limitDisk) {
+FullDiskTest::Outcomes FullDiskTest::outcomesUntilDone(Source source,
+                                                       const std::function<void(std::uint64_t run)>& limitDisk) {
     constexpr std::uint64_t kMostRuns = 200;
-    std::set<int> codes;
+    Outcomes outcomes;
     const TreeSnapshot before = scenario.takeInstallationSnapshot();
-    for (std::uint64_t run = 0; run < kMostRuns && !codes.contains(0); ++run) {
+    for (std::uint64_t run = 0; run < kMostRuns; ++run) {
         SCOPED_TRACE("run " + std::to_string(run));
         disk.leaveEverything();
         std::filesystem::remove_all(scenario.workFolder);
         limitDisk(run);
-        const int code = runUpdater(source);
-        codes.insert(code);
-        if (code != 0) expectInstallation(before);
-        RecordProperty("run" + std::to_string(run), code);
+        const RunOutcome outcome = runInWindow(command(source));
+        outcomes.emplace(outcome.exitCode, outcome.sentence);
+        if (outcome.exitCode == 0) break;
+        expectInstallation(before);
     }
-    return codes;
+    return outcomes;
 }
 
 }  // namespace vorthmere::end_to_end

@@ -2,6 +2,8 @@
 
 #include <functional>
 #include <set>
+#include <string>
+#include <utility>
 
 #include "tests/end_to_end/support/base_test.h"
 #include "tests/end_to_end/support/small_disk.h"
@@ -17,21 +19,24 @@ struct DiskOfScenario {
 /// it was. Skipped on a machine where no file system can be mounted.
 class FullDiskTest : private DiskOfScenario, public EndToEndTest {
 protected:
-    FullDiskTest();
+    /// Exit codes with their sentences.
+    using Outcomes = std::set<std::pair<std::uint32_t, std::string>>;
+
+    explicit FullDiskTest(ScenarioOptions options = {});
 
     void SetUp() override;
 
     /// Runs the updater with more and more space until it succeeds.
     ///
     /// @param step how much more space each run has than the one before
-    /// @return the exit codes that occurred
-    std::set<int> codesWithBytes(Source source, std::uint64_t step);
+    /// @return what the runs came to, each once
+    Outcomes outcomesWithBytes(Source source, std::uint64_t step);
 
     /// The same with a limit on the number of files and folders.
-    std::set<int> codesWithFiles(Source source, std::uint64_t step);
+    Outcomes outcomesWithFiles(Source source, std::uint64_t step);
 
 private:
-    std::set<int> codesUntilDone(Source source, const std::function<void(std::uint64_t run)>& limitDisk);
+    Outcomes outcomesUntilDone(Source source, const std::function<void(std::uint64_t run)>& limitDisk);
 };
 
 }  // namespace vorthmere::end_to_end

@@ -4,31 +4,6 @@
 
 namespace vorthmere::end_to_end {
 namespace fs = std::filesystem;
-namespace {
-
-ReleaseFiles filesOfBoth(const std::string& release) {
-    return {{"KVNUpdater.exe", {"the updater of release " + release}},
-            {"data/kept.pak", {"the same in both"}},
-            {"docs/manual.txt", {"How to play release " + release + ".\n"}}};
-}
-
-ReleaseFiles oldFiles() {
-    ReleaseFiles files = filesOfBoth("41");
-    files["Vorthmere.exe"] = {"the old game"};
-    files["data/old/dropped.pak"] = {"only in the old release"};
-    return withReleaseMetadata(std::move(files), 41);
-}
-
-/// With a game that cannot be started.
-ReleaseFiles newFiles() {
-    ReleaseFiles files = filesOfBoth("42");
-    files["Vorthmere.exe"] = {"no program"};
-    files["data/new/added.pak"] = {"only in the new release"};
-    return withReleaseMetadata(std::move(files), 42);
-}
-
-}  // namespace
-
 MovedAside::MovedAside(fs::path path, fs::path place) : path_(std::move(path)), place_(std::move(place)) {
     fs::rename(path_, place_);
 }
@@ -38,7 +13,7 @@ MovedAside::~MovedAside() {
     fs::rename(place_, path_);
 }
 
-InstallationFaultTest::InstallationFaultTest() : EndToEndTest({.installed = oldFiles(), .offered = newFiles()}) {
+InstallationFaultTest::InstallationFaultTest() : EndToEndTest(smallUpdate()) {
     // Not the installation's own, which is no program here.
     useUpdater(updaterProgram());
 }

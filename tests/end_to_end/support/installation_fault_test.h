@@ -19,8 +19,7 @@ private:
     std::filesystem::path place_;
 };
 
-/// Makes steps of the installation fail, in an update with few files of every kind: kept, changed, dropped and new
-/// ones, in folders that stay, go and come.
+/// Makes steps of the installation of a small update fail.
 class InstallationFaultTest : public EndToEndTest {
 protected:
     InstallationFaultTest();

@@ -30,6 +30,26 @@ PublishedRelease aroundPackage(const fs::path& channelFolder, std::uint32_t rele
     return published;
 }
 
+ReleaseFiles filesOfBoth(const std::string& release) {
+    return {{"KVNUpdater.exe", {"the updater of release " + release}},
+            {"data/kept.pak", {"the same in both"}},
+            {"docs/manual.txt", {"How to play release " + release + ".\n"}}};
+}
+
+ReleaseFiles smallRelease41() {
+    ReleaseFiles files = filesOfBoth("41");
+    files["Vorthmere.exe"] = {"the old game"};
+    files["data/old/dropped.pak"] = {"only in the old release"};
+    return withReleaseMetadata(std::move(files), 41);
+}
+
+ReleaseFiles smallRelease42() {
+    ReleaseFiles files = filesOfBoth("42");
+    files["Vorthmere.exe"] = {"no program"};
+    files["data/new/added.pak"] = {"only in the new release"};
+    return withReleaseMetadata(std::move(files), 42);
+}
+
 }  // namespace
 
 fs::path packagePath(const fs::path& channelFolder, std::uint32_t release) {
@@ -67,6 +87,10 @@ PublishedRelease publish(const fs::path& channelFolder, const ReleaseFiles& file
 PublishedRelease publishByHand(const fs::path& channelFolder, const ReleaseFiles& files, std::uint32_t release) {
     writePackage(packagePath(channelFolder, release), packageEntries(files));
     return publishPackage(channelFolder, files, release);
+}
+
+ScenarioOptions smallUpdate() {
+    return {.installed = smallRelease41(), .offered = smallRelease42()};
 }
 
 Scenario::Scenario(const ScenarioOptions& options)

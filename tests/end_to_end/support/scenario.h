@@ -48,6 +48,10 @@ struct ScenarioOptions {
     ReleaseFiles offered = sampleRelease42();
 };
 
+/// An update with few files of every kind, kept, changed, dropped and new ones, in folders that stay, go and come.
+/// Neither release holds programs: the new game cannot be started.
+[[nodiscard]] ScenarioOptions smallUpdate();
+
 /// A temporary folder with blanks in its name that holds an installation of a release 41 with a player's files in it,
 /// files beside the installation that are nobody's business, and a channel folder with a release 42. It is removed at
 /// the end of this object's life.
