@@ -122,3 +122,17 @@ def changed_files(files, count):
     numbers = range(len(REQUIRED), files - len(PUBLISHED))
     step = len(numbers) / count
     return [file_name(numbers[int(i * step)]) for i in range(count)]
+
+
+def lay_out_for_moving(folder, names, backup_folders):
+    """Small files in folder/game and folder/staging for an installation to move, and the list of their names.
+
+    @param backup_folders  whether folder/backup has the folders for them, too
+    """
+    shutil.rmtree(folder, ignore_errors=True)
+    for place in ("game", "staging"):
+        for name in names:
+            _write(folder / place, name, place.encode())
+    for name in names if backup_folders else ["."]:
+        (folder / "backup" / name).parent.mkdir(parents=True, exist_ok=True)
+    (folder / "list").write_text("".join(name + "\n" for name in names))

@@ -6,10 +6,10 @@ import subprocess
 import games
 import wine
 from channel import served
-from checkout import BENCH, NOTHING, PUBLISHER, SHIPPED_UPDATER, UPDATER, WORK, download_base_url
+from checkout import BENCH, FIRST_CALLS, NOTHING, PUBLISHER, SHIPPED_UPDATER, UPDATER, WORK, download_base_url
 from games import MIB
 from table import Row
-from timing import compare, say, seconds_of_native
+from timing import compare, least, say, seconds_of_native
 from updates import UpdateBench
 
 DOWNLOAD_NAME = "bench.bin"
@@ -22,6 +22,7 @@ class Sizes:
     def __init__(self, quick):
         shrink = 8 if quick else 1
         self.repetitions = 2 if quick else 5
+        self.cost_repetitions = 1 if quick else 3
         self.starts = 5 if quick else 40
         self.files = 1000 // shrink
         self.update_bytes = 512 * MIB // shrink
@@ -46,12 +47,21 @@ def memory_row(what, peak, idle):
     return Row(f"memory: {what} [MiB]", peak / MIB, idle / MIB, MEMORY_AIM, digits=1)
 
 
+def parts(floor, costs):
+    """Rows that tell what a figure consists of, each part beside the whole figure's floor."""
+    return [Row(f"  of it: {what} [s]", seconds, floor, digits=3) for what, seconds in costs.items()]
+
+
 def measure_incremental(sizes, idle):
     what = f"incremental update, 1 of {sizes.files:,} files changed, {mebibytes(sizes.update_bytes)}"
     with UpdateBench("incremental", sizes.files, sizes.update_bytes, 4, changed=1) as bench:
         times = bench.compare_incremental(sizes.repetitions)
+        costs = {"digesting every byte twice": 2 * bench.cost_of_digests(sizes.cost_repetitions),
+                 "naming the staged files": bench.cost_of_inspecting(sizes.cost_repetitions),
+                 "moving the files": bench.cost_of_installing(sizes.cost_repetitions)}
         peak = bench.incremental(wine.peak_private_bytes, bench.local_objects())
-    return [Row(f"{what} [s]", *times, "at most 1.10"), memory_row("incremental update", peak, idle)]
+    return [Row(f"{what} [s]", *times, "at most 1.10"), *parts(times[1], costs),
+            memory_row("incremental update", peak, idle)]
 
 
 def measure_https(sizes, idle):
@@ -65,8 +75,12 @@ def measure_complete(sizes, idle):
     what = f"complete package, {mebibytes(sizes.package_bytes)}"
     with UpdateBench("complete", sizes.files // 4, sizes.package_bytes, 1, changed=1) as bench:
         times = bench.compare_complete(sizes.repetitions)
+        costs = {"copying the package into the work folder": bench.cost_of_bringing_the_package(sizes.cost_repetitions),
+                 "naming the unpacked files": bench.cost_of_inspecting(sizes.cost_repetitions),
+                 "moving the files": bench.cost_of_installing(sizes.cost_repetitions)}
         peak = bench.complete(wine.peak_private_bytes)
-    return [Row(f"{what} [s]", *times, "at most 1.10"), memory_row("complete package", peak, idle)]
+    return [Row(f"{what} [s]", *times, "at most 1.10"), *parts(times[1], costs),
+            memory_row("complete package", peak, idle)]
 
 
 def measure_download(sizes, idle):
@@ -94,26 +108,16 @@ def measure_install(sizes, idle):
     folder = WORK / "install"
     names = [games.file_name(number) for number in range(sizes.installed_files)]
 
-    def prepare(backup_folders):
-        shutil.rmtree(folder, ignore_errors=True)
-        for place in ("game", "staging"):
-            for name in names:
-                (folder / place / name).parent.mkdir(parents=True, exist_ok=True)
-                (folder / place / name).write_text(place)
-        for name in names if backup_folders else ["."]:
-            (folder / "backup" / name).parent.mkdir(parents=True, exist_ok=True)
-        (folder / "list").write_text("".join(name + "\n" for name in names))
-
     def figure():
-        prepare(backup_folders=False)
+        games.lay_out_for_moving(folder, names, backup_folders=False)
         return wine.seconds_inside("install", folder, folder / "list")
 
     def floor():
-        prepare(backup_folders=True)
+        games.lay_out_for_moving(folder, names, backup_folders=True)
         return wine.seconds_inside("moves", folder, folder / "list")
 
     times = compare(sizes.repetitions * 2, figure, floor)
-    prepare(backup_folders=False)
+    games.lay_out_for_moving(folder, names, backup_folders=False)
     peak = wine.peak_private_bytes(BENCH, "install", folder, folder / "list")
     shutil.rmtree(folder)
     return [Row(f"installing {sizes.installed_files:,} files [s]", *times, "at most 1.5", digits=3),
@@ -146,7 +150,9 @@ def measure_start(sizes, _idle):
         current = (UPDATER, "--apply", "--install", bench.installation.folder, "--current", str(games.RELEASE),
                    "--no-relaunch", "--test-no-ui", *bench.local_package())
         times = compare(sizes.starts, lambda: wine.seconds_of(*current), lambda: wine.seconds_of(NOTHING))
-    return [Row("start to \"already current\", without a window [s]", *times, "at most 2", digits=4)]
+        first_calls = least(sizes.starts, lambda: wine.seconds_of(FIRST_CALLS))
+    return [Row("start to \"already current\", without a window [s]", *times, "at most 2", digits=3),
+            *parts(times[1], {"a program that makes the first three calls": first_calls})]
 
 
 def measure_publishing(sizes, _idle):

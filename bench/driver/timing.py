@@ -33,6 +33,11 @@ def compare(repetitions, figure, floor):
     return min(figures), min(floors)
 
 
+def least(repetitions, measure):
+    """The least over so many repetitions."""
+    return min(_settled(measure) for _ in range(repetitions))
+
+
 def seconds_of_native(*command):
     """The seconds that a native program takes from start to end."""
     started = time.monotonic()

@@ -5,7 +5,7 @@ import games
 import wine
 from channel import served
 from checkout import BENCH, UPDATER, WORK, download_base_url
-from timing import compare
+from timing import compare, least
 
 OBJECT_NAME = "KVN-file-{}.bin"
 
@@ -68,12 +68,14 @@ class UpdateBench:
         for name, _ in games.inventory(self.package):
             (self.target / name).parent.mkdir(parents=True, exist_ok=True)
 
-    def staging_floor(self, fetch):
-        self._clear_target()
-        fetched = set(self.changed) if fetch else set()
+    def _write_list(self, fetched):
         lines = [name + ("\t" + OBJECT_NAME.format(digest) if name in fetched else "")
                  for name, digest in games.inventory(self.package)]
         self.list.write_text("\n".join(lines) + "\n")
+
+    def staging_floor(self, fetch):
+        self._clear_target()
+        self._write_list(set(self.changed) if fetch else set())
         prefix = [download_base_url()] if fetch else []
         return wine.seconds_of(BENCH, "staging-floor", self.installation.folder, self.target, self.list, *prefix)
 
@@ -94,3 +96,24 @@ class UpdateBench:
 
     def compare_complete(self, repetitions):
         return compare(repetitions, lambda: self.complete(wine.seconds_of), self.archive_floor)
+
+    def _install(self):
+        folder = self.folder / "moves"
+        games.lay_out_for_moving(folder, [name for name, _ in games.inventory(self.package)], backup_folders=False)
+        return wine.seconds_inside("install", folder, folder / "list")
+
+    # What the update's rules demand, by itself. The floor has left the release's files in the target.
+
+    def cost_of_digests(self, repetitions):
+        """Digesting each file of the release once."""
+        self._write_list(set())
+        return least(repetitions, lambda: wine.seconds_inside("digest", self.target, self.list))
+
+    def cost_of_bringing_the_package(self, repetitions):
+        return least(repetitions, lambda: wine.seconds_inside("copy", self.package, self.folder / "package.zip"))
+
+    def cost_of_inspecting(self, repetitions):
+        return least(repetitions, lambda: wine.seconds_inside("inspect", self.target))
+
+    def cost_of_installing(self, repetitions):
+        return least(repetitions, self._install)

@@ -5,6 +5,7 @@
 #include "bench/program/stopwatch.h"
 #include "bench/program/subcommands.h"
 #include "install/install_with_backup.h"
+#include "install/package_inspection.h"
 #include "platform/text.h"
 
 namespace vorthmere::bench {
@@ -16,6 +17,16 @@ void installFigure(Arguments arguments) {
     const Stopwatch stopwatch;
     const bool succeeded =
         update::installWithBackup(folder / "game", folder / "staging", folder / "backup", paths, paths, error);
+    const double seconds = stopwatch.seconds();
+    if (!succeeded) throw std::runtime_error(update::toUtf8(error));
+    printSeconds(seconds);
+}
+
+void inspectFigure(Arguments arguments) {
+    update::ExtractedFiles files;
+    std::wstring error;
+    const Stopwatch stopwatch;
+    const bool succeeded = update::inspectExtractedTree(arguments[0], files, error);
     const double seconds = stopwatch.seconds();
     if (!succeeded) throw std::runtime_error(update::toUtf8(error));
     printSeconds(seconds);

@@ -20,9 +20,12 @@ struct Subcommand {
 
 constexpr std::array kSubcommands = {
     Subcommand{L"archive-floor", 2, archiveFloor},
+    Subcommand{L"copy", 2, copyFloor},
+    Subcommand{L"digest", 2, digestFloor},
     Subcommand{L"download", 3, downloadFigure},
     Subcommand{L"download-floor", 2, downloadFloor},
     Subcommand{L"idle", 0, idle},
+    Subcommand{L"inspect", 1, inspectFigure},
     Subcommand{L"install", 2, installFigure},
     Subcommand{L"moves", 2, movesFloor},
     Subcommand{L"parse", 1, parseFigures},

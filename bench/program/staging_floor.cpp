@@ -5,6 +5,7 @@
 #include "bench/program/path_list.h"
 #include "bench/program/plain_get.h"
 #include "bench/program/require.h"
+#include "bench/program/stopwatch.h"
 #include "bench/program/subcommands.h"
 #include "platform/text.h"
 
@@ -41,6 +42,22 @@ void stagingFloor(Arguments arguments) {
             fetch(channel.value(), file.objectName, copy);
         digester.digest(copy);
     }
+}
+
+void digestFloor(Arguments arguments) {
+    const std::filesystem::path folder(arguments[0]);
+    const std::vector<ListedFile> files = readList(arguments[1]);
+    const Stopwatch stopwatch;
+    Digester digester;
+    for (const ListedFile& file : files)
+        digester.digest(folder / file.path);
+    printSeconds(stopwatch.seconds());
+}
+
+void copyFloor(Arguments arguments) {
+    const Stopwatch stopwatch;
+    require(CopyFileW(arguments[0].c_str(), arguments[1].c_str(), FALSE), "copying a file");
+    printSeconds(stopwatch.seconds());
 }
 
 }  // namespace vorthmere::bench

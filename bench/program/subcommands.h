@@ -24,6 +24,9 @@ void downloadFigure(Arguments arguments);
 /// FOLDER/game, whose files go to FOLDER/backup.
 void installFigure(Arguments arguments);
 
+/// inspect FOLDER: inspectExtractedTree() of the folder.
+void inspectFigure(Arguments arguments);
+
 /// parse ROUNDS: parses the largest valid file inventories and managed-file lists and prints a line for each kind and
 /// number of records: kind, records, bytes, nanoseconds of a parse, nanoseconds of its floor (one pass of memchr from
 /// line feed to line feed), separated by tabs. The times are medians over so many rounds.
@@ -40,6 +43,12 @@ void stagingFloor(Arguments arguments);
 /// archive-floor PACKAGE FOLDER: what an update from the complete package does to the package's bytes: digests it,
 /// lists it, and unpacks it into FOLDER. Prints nothing, as above.
 void archiveFloor(Arguments arguments);
+
+/// digest FOLDER LIST: digests each file that LIST names.
+void digestFloor(Arguments arguments);
+
+/// copy SOURCE TARGET: copies one file.
+void copyFloor(Arguments arguments);
 
 /// download-floor URL FILE: reads the body into one buffer and throws it away, then writes as many bytes to the file,
 /// and prints the sum of the two times.
