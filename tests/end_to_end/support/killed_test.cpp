@@ -40,7 +40,7 @@ KilledTest::KilledTest() {
 
 void KilledTest::killRuns(Source source, Clock clock, int runs) {
     const int events = countEvents(source, clock);
-    ASSERT_GT(events, 2 * runs) << "too few moments to tell apart";
+    ASSERT_GT(events, runs) << "too few moments to tell apart";
     int killed = 0;
     for (int run = 0; run < runs; ++run) {
         scenario.reset();
