@@ -15,7 +15,6 @@ RELEASE = 42
 
 REPEATED_BLOCK = 16384
 FRAGMENT = 512
-PACKED_EVERY = 4
 
 
 def file_name(number):
@@ -57,22 +56,25 @@ def _text_fragments(source):
     return pool
 
 
-def make_varied_game(folder, files, total, packed_every):
+def make_varied_game(folder, files, total, repetitive):
     """A game like a real one: files from a fraction of their mean size to several times that.
 
-    Every `packed_every`th cannot be compressed, as sound and textures in packed formats; the others are text-like
-    records that deflate brings down to about a third or less.
+    Every fourth cannot be compressed, as sound and textures in packed formats; the others are text-like records that
+    deflate brings down to about a quarter. Of a `repetitive` game only every eighth is packed, and the texts of a file
+    repeat themselves soon: the largest release there can be has a package that is not too large only then.
     """
     source = random.Random(42)
     shares = [source.expovariate(1) + 0.07 for _ in range(files)]
     sizes = [int(share * total / sum(shares)) for share in shares]
     sizes[0] += total - sum(sizes)
     pool = _text_fragments(source)
+    packed_every = 8 if repetitive else 4
     for number, size in enumerate(sizes):
         if number % packed_every == packed_every - 1:
             content = source.randbytes(size)
         else:
-            content = b"".join(source.choices(pool, k=size // FRAGMENT + 1))[:size]
+            fragments = source.sample(pool, 24) if repetitive else pool
+            content = b"".join(source.choices(fragments, k=size // FRAGMENT + 1))[:size]
         _write(folder, file_name(number), content)
 
 
