@@ -58,14 +58,8 @@ def peak_private_bytes(*command):
 
 def idle_private_bytes():
     """The private memory of kvn_bench, which loads what the updater loads, when it does nothing."""
-    process = subprocess.Popen(_words([BENCH, "idle"]), stdin=subprocess.PIPE, stdout=subprocess.DEVNULL)
-    peak = 0
-    unchanged = 0
-    # Done when it has grown no more for a while.
-    while unchanged < 100:
-        now = _private_bytes(process.pid)
-        unchanged = unchanged + 1 if now <= peak else 0
-        peak = max(peak, now)
-        time.sleep(SAMPLE_INTERVAL_S)
+    process = subprocess.Popen(_words([BENCH, "idle"]), stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+    process.stdout.readline()
+    idle = _private_bytes(process.pid)
     process.communicate()
-    return peak
+    return idle

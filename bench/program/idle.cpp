@@ -5,6 +5,8 @@
 namespace vorthmere::bench {
 
 void idle(Arguments) {
+    std::puts("idle");
+    std::fflush(stdout);
     while (std::getchar() != EOF) {
     }
 }

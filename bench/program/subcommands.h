@@ -12,7 +12,7 @@ using Arguments = std::span<const std::wstring>;
 /// time PROGRAM [ARGUMENT...]: starts a program and prints how long it took to its end, which must be exit code 0.
 void timeProgram(Arguments arguments);
 
-/// idle: runs until the end of standard input: what a process takes that does nothing.
+/// idle: prints "idle" and runs until the end of standard input: what a process takes that does nothing.
 void idle(Arguments arguments);
 
 // Figures: the updater's own operations.
