@@ -76,6 +76,7 @@ bool readInventory(const std::filesystem::path& path, const update::Manifest& ma
     if (readText(path, update::kMaxInventoryBytes, text, fault) &&
         update::parseFileInventory(text, manifest, entries, fault))
         return true;
+    entries.clear();
     error = sentenceAbout(path, fault);
     return false;
 }

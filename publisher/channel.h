@@ -30,6 +30,8 @@ enum class FileState { right, missing, wrongSize, corrupt, unreadable, notAFile 
                                          std::optional<update::Manifest>& manifest, std::string& error);
 
 /// Reads a release's inventory as the updater does.
+///
+/// @param entries empty after a failure, so that nothing is judged by a part of an inventory
 [[nodiscard]] bool readInventory(const std::filesystem::path& path, const update::Manifest& manifest,
                                  std::vector<update::InventoryEntry>& entries, std::string& error);
 

@@ -107,6 +107,14 @@ TEST_F(CheckChannelTest, InventoryThatNamesOtherContentThanThePackageHolds) {
                                      "\"KVN_MANAGED_FILES.txt\" and the file inventory do not name the same files."));
 }
 
+TEST_F(CheckChannelTest, NothingIsJudgedByAnInventoryThatBreaksOffInItsRecords) {
+    const std::string text = readFile(list);
+    const std::size_t second = text.find('\n', text.find("\nKVN") + 1) + 1;
+    writeFile(list, text.substr(0, second) + "no record\n");
+    EXPECT_THAT(faults(), ElementsAre("\"KVN-release-42.zip.files\" would be refused by the updater: File inventory "
+                                      "record is malformed."));
+}
+
 TEST_F(CheckChannelTest, MissingWrongSizedAndCorruptObjectsAreAllNamed) {
     fs::remove(objectOf("data/level one.pak"));
     fs::resize_file(objectOf("Vorthmere.exe"), 3);
