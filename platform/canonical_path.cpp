@@ -1,6 +1,8 @@
 #include "platform/canonical_path.h"
 
+#include <algorithm>
 #include <string>
+#include <string_view>
 
 #include "platform/unique_handle.h"
 #include "platform/windows_error.h"
@@ -39,34 +41,56 @@ std::filesystem::path finalPath(const std::filesystem::path& path, std::error_co
     }
 }
 
-}  // namespace
-
-std::filesystem::path absolutePath(const std::filesystem::path& path) {
+/// An absolute path with "." and ".." folded, by the platform's rule: path::lexically_normal() takes one of the two
+/// backslashes with which the path of a network folder begins, where the library does not know such paths.
+std::filesystem::path fullPath(const std::filesystem::path& path, std::error_code& failure) {
     if (path.empty()) return {};
     std::wstring name(MAX_PATH, L'\0');
     while (true) {
         const DWORD length = GetFullPathNameW(path.c_str(), static_cast<DWORD>(name.size()), name.data(), nullptr);
-        if (length == 0) throw std::filesystem::filesystem_error("absolute", path, lastWindowsError());
+        if (length == 0) {
+            failure = lastWindowsError();
+            return {};
+        }
         const bool complete = length < name.size();
         name.resize(length);
         if (complete) return name;
     }
 }
 
+/// True for a drive and for a network share: what would be their parent is no folder.
+bool isRoot(const std::filesystem::path& path) {
+    const std::wstring_view name = path.native();
+    if (name.starts_with(L"\\\\")) return std::count(name.begin() + 2, name.end(), L'\\') < 2;
+    return !path.has_relative_path();
+}
+
+}  // namespace
+
+std::filesystem::path absolutePath(const std::filesystem::path& path) {
+    std::error_code failure;
+    std::filesystem::path absolute = fullPath(path, failure);
+    if (failure) throw std::filesystem::filesystem_error("absolute", path, failure);
+    return absolute;
+}
+
 std::filesystem::path weaklyCanonicalPath(const std::filesystem::path& path, std::error_code& failure) {
-    std::filesystem::path existing = path.lexically_normal();
+    failure.clear();
+    std::filesystem::path whole = fullPath(path, failure);
+    if (failure) return {};
+    std::filesystem::path existing = whole;
     std::filesystem::path rest;
     while (!existing.empty()) {
         failure.clear();
         const std::filesystem::path resolved = finalPath(existing, failure);
-        if (!failure) return rest.empty() ? resolved : (resolved / rest).lexically_normal();
+        if (!failure) return rest.empty() ? resolved : resolved / rest;
         if (!isNotFound(failure)) return {};
-        if (!existing.has_relative_path()) break;
+        if (isRoot(existing)) break;
         rest = rest.empty() ? existing.filename() : existing.filename() / rest;
         existing = existing.parent_path();
     }
     failure.clear();
-    return path.lexically_normal();
+    return whole;
 }
 
 }  // namespace vorthmere::update

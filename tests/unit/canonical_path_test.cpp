@@ -83,6 +83,11 @@ TEST_F(CanonicalPathTest, APathOnADriveThatDoesNotExistStaysAsItIs) {
     EXPECT_FALSE(failure);
 }
 
+TEST_F(CanonicalPathTest, APathOnANetworkShareThatDoesNotExistKeepsBothItsBackslashes) {
+    EXPECT_EQ(canonical(L"\\\\kelvane.invalid\\games\\old\\..\\game").native(), L"\\\\kelvane.invalid\\games\\game");
+    EXPECT_FALSE(failure);
+}
+
 TEST_F(CanonicalPathTest, AnEmptyPathStaysEmptyWithoutAFailure) {
     EXPECT_EQ(canonical(L""), std::filesystem::path());
     EXPECT_FALSE(failure);
