@@ -28,8 +28,12 @@ UpdaterWindow WindowTest::openWindow(const UpdaterCommand& command) {
 
 UpdaterWindow WindowTest::openFailedWindow() {
     UpdaterWindow window = openWindow(failingCommand());
-    EXPECT_TRUE(window.waitUntil([](const WindowContent& content) { return content.buttonHasFocus; }).buttonHasFocus);
+    EXPECT_TRUE(window.waitUntil([](const WindowContent& content) { return content.buttonVisible; }).buttonVisible);
     return window;
+}
+
+void WindowTest::expectFocusOnButton(UpdaterWindow& window) {
+    EXPECT_TRUE(window.waitUntil([](const WindowContent& content) { return content.buttonHasFocus; }).buttonHasFocus);
 }
 
 UpdaterWindow WindowTest::openBusyWindow(const OpenGame& game) {
