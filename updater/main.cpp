@@ -3,6 +3,7 @@
 #include <commctrl.h>
 #include <shellapi.h>
 
+#include <exception>
 #include <memory>
 #include <string>
 #include <thread>
@@ -28,6 +29,12 @@ struct LocalMemoryDeleter {
     }
 };
 
+// Whatever ends the program without a result: the C library would show a message box first, which no error mode keeps
+// away, and the run would wait for somebody to close it.
+void endAbnormally() noexcept {
+    TerminateProcess(GetCurrentProcess(), STATUS_FATAL_APP_EXIT);
+}
+
 void initialiseProgressBar() {
     const INITCOMMONCONTROLSEX classes{sizeof(classes), ICC_PROGRESS_CLASS};
     InitCommonControlsEx(&classes);
@@ -45,6 +52,7 @@ void dispatchMessages() {
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int showCommand) {
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
+    std::set_terminate(endAbnormally);
     SetProcessDPIAware();
 
     int argc = 0;

@@ -6,12 +6,14 @@
 namespace vorthmere::end_to_end {
 namespace {
 
+namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::HasSubstr;
 
 using Steps = std::vector<std::string>;
 
+constexpr Milliseconds kEndLimit{60'000};
 constexpr char kComplete[] = "Update complete. Welcome back, pilot.";
 constexpr char kVerified[] = "The portable update verification completed successfully.";
 constexpr char kRelaunching[] = "Kelvane is relaunching now.";
@@ -131,6 +133,24 @@ TEST_F(WindowRunTest, FailureShowsItsSentenceTheRollbackLineAndTheButton) {
     ASSERT_EQ(steps.size(), 4u);
     EXPECT_EQ(steps[2], std::string("status: ") + kFailed);
     EXPECT_EQ(steps[3], "detail: " + content.detail);
+    expectRelease41();
+}
+
+TEST_F(WindowRunTest, AStatusThatCannotBeToldEndsTheProgramAtOnceWithAndWithoutAWindow) {
+    const fs::path list = scenario.installation / "KVN_MANAGED_FILES.txt";
+    fs::rename(list, scenario.root / "aside");
+    fs::create_symlink(list, list);
+    for (const bool inWindow : {true, false}) {
+        SCOPED_TRACE(inWindow);
+        UpdaterCommand command = this->command(Source::incremental);
+        command.window = inWindow;
+        ChildProcess probe = startThroughProbe("run", command.arguments());
+        EXPECT_EQ(probe.readLine(kEndLimit), "0x40000015");
+        EXPECT_EQ(probe.wait(kEndLimit).exitCode, 0);
+        finishRun();
+    }
+    fs::remove(list);
+    fs::rename(scenario.root / "aside", list);
     expectRelease41();
 }
 
