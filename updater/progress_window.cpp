@@ -219,9 +219,10 @@ bool registerProgressWindow(HINSTANCE instance) {
     windowClass.hIcon = LoadIconW(instance, icon);
     windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     windowClass.lpszClassName = kClassName;
-    // The handle is shared: the system keeps it, and frees it with the program.
+    // Not a shared image: those are found by their name alone, and the large one has the same. The class keeps it until
+    // the program ends.
     windowClass.hIconSm =
-        static_cast<HICON>(LoadImageW(instance, icon, IMAGE_ICON, kSmallIconSize, kSmallIconSize, LR_SHARED));
+        static_cast<HICON>(LoadImageW(instance, icon, IMAGE_ICON, kSmallIconSize, kSmallIconSize, LR_DEFAULTCOLOR));
     return RegisterClassExW(&windowClass) != 0;
 }
 
