@@ -43,6 +43,7 @@ bool inspectExtractedTree(const std::filesystem::path& stagingFolder, ExtractedF
 
     const auto inspect = [&](const std::filesystem::path& path) {
         const FileType type = entryType(path, queryFailure);
+        if (type == FileType::notFound) queryFailure = std::make_error_code(std::errc::no_such_file_or_directory);
         if (queryFailure || isReparsePoint(path)) return false;
         if (type == FileType::directory) return true;
         if (type != FileType::regular) {

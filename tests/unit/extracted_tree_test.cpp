@@ -130,6 +130,16 @@ TEST_F(ExtractedTreeTest, AFolderThatCannotBeOpenedCannotBeInspected) {
     EXPECT_EQ(error, L"Unable to inspect the extracted update.");
 }
 
+TEST_F(ExtractedTreeTest, AnEntryThatIsListedButNotFoundCannotBeInspected) {
+    writeFile(staging / L"file", "");
+    // Only a name that is taken as it stands keeps its last dot; by its usual name the file is not there.
+    const std::filesystem::path dotted = L"\\\\?\\" + (staging / L"file.").native();
+    ASSERT_TRUE(MoveFileW((staging / L"file").c_str(), dotted.c_str()));
+    EXPECT_FALSE(inspect());
+    EXPECT_EQ(error, L"Unable to inspect the extracted update.");
+    EXPECT_TRUE(DeleteFileW(dotted.c_str()));
+}
+
 TEST_F(ExtractedTreeTest, AStagingFolderReachedThroughALinkNamesItsFilesRelativeToTheResolvedFolder) {
     writeFile(folder / L"real" / L"data" / L"file", "");
     const testing::Link link(folder / L"link", folder / L"real");
