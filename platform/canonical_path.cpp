@@ -19,14 +19,15 @@ std::wstring withoutLongPathPrefix(std::wstring path) {
     return path;
 }
 
-std::filesystem::path finalPath(const std::filesystem::path& path, std::error_code& failure) {
-    const FileHandle file(CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                                      FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-    if (!file) {
-        failure = lastWindowsError();
-        return {};
-    }
+FileHandle openForItsName(const std::filesystem::path& path, std::error_code& failure) {
+    FileHandle file(CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES,
+                                FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    if (!file) failure = lastWindowsError();
+    return file;
+}
+
+std::filesystem::path finalPath(const FileHandle& file, std::error_code& failure) {
     std::wstring name(MAX_PATH, L'\0');
     while (true) {
         const DWORD length = GetFinalPathNameByHandleW(file.get(), name.data(), static_cast<DWORD>(name.size()),
@@ -82,8 +83,12 @@ std::filesystem::path weaklyCanonicalPath(const std::filesystem::path& path, std
     std::filesystem::path rest;
     while (!existing.empty()) {
         failure.clear();
-        const std::filesystem::path resolved = finalPath(existing, failure);
-        if (!failure) return rest.empty() ? resolved : resolved / rest;
+        const FileHandle file = openForItsName(existing, failure);
+        if (file) {
+            // A volume without a letter is "not found" here; what exists was opened.
+            const std::filesystem::path resolved = finalPath(file, failure);
+            return rest.empty() || failure ? resolved : resolved / rest;
+        }
         if (!isNotFound(failure)) return {};
         if (isRoot(existing)) break;
         rest = rest.empty() ? existing.filename() : existing.filename() / rest;
