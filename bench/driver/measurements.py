@@ -22,6 +22,7 @@ class Sizes:
     def __init__(self, quick):
         shrink = 8 if quick else 1
         self.repetitions = 2 if quick else 5
+        self.short_repetitions = 2 if quick else 15
         self.cost_repetitions = 1 if quick else 3
         self.starts = 5 if quick else 40
         self.files = 1000 // shrink
@@ -75,7 +76,7 @@ def measure_https(sizes, idle):
 def measure_complete(sizes, idle):
     what = f"complete package, {mebibytes(sizes.package_bytes)}"
     with UpdateBench("complete", sizes.files // 4, sizes.package_bytes, 1, changed=1) as bench:
-        times = bench.compare_complete(sizes.repetitions)
+        times = bench.compare_complete(sizes.short_repetitions)
         costs = {"copying the package into the work folder": bench.cost_of_bringing_the_package(sizes.cost_repetitions),
                  "naming the unpacked files": bench.cost_of_inspecting(sizes.cost_repetitions),
                  "moving the files": bench.cost_of_installing(sizes.cost_repetitions)}
@@ -95,7 +96,7 @@ def measure_download(sizes, idle):
     url = download_base_url() + DOWNLOAD_NAME
     figure = ("download", url, folder / "figure", sizes.package_bytes)
     with served(channel, WORK / "server"):
-        times = compare(sizes.repetitions, lambda: wine.seconds_inside(*figure),
+        times = compare(sizes.short_repetitions, lambda: wine.seconds_inside(*figure),
                         lambda: wine.seconds_inside("download-floor", url, folder / "floor"))
         peak = wine.peak_private_bytes(BENCH, *figure)
     shutil.rmtree(folder)
@@ -117,7 +118,7 @@ def measure_install(sizes, idle):
         games.lay_out_for_moving(folder, names, backup_folders=True)
         return wine.seconds_inside("moves", folder, folder / "list")
 
-    times = compare(sizes.repetitions * 2, figure, floor)
+    times = compare(sizes.short_repetitions, figure, floor)
     games.lay_out_for_moving(folder, names, backup_folders=False)
     peak = wine.peak_private_bytes(BENCH, "install", folder, folder / "list")
     shutil.rmtree(folder)
