@@ -33,7 +33,8 @@ private:
     int descriptor_ = -1;
 };
 
-/// A file that is written once. Every failure leaves one sentence with the system's reason.
+/// A file that is written once, and that everybody may read, whatever the process's umask. Every failure leaves one
+/// sentence with the system's reason.
 class OutputFile {
 public:
     /// Creates the file, or empties it.
@@ -51,6 +52,10 @@ private:
 /// create(), write() and finish() in one.
 [[nodiscard]] bool writeFile(const std::filesystem::path& path, std::string_view text, std::string& error);
 
+/// Creates a folder and those above it, as far as they are missing, so that everybody may list and enter them, whatever
+/// the process's umask. Folders that are there already keep their permissions.
+[[nodiscard]] bool createFolders(const std::filesystem::path& folder, std::string& error);
+
 /// Renames a file, replacing the one that stands at `to`: whoever opens `to` gets the one file or the other, whole.
 [[nodiscard]] bool moveIntoPlace(const std::filesystem::path& from, const std::filesystem::path& to,
                                  std::string& error);
@@ -61,7 +66,7 @@ private:
 /// Keeps every other process from locking the same folder, until the result is destroyed or the process ends.
 ///
 /// @param lock  receives the lock on success, else left as it was
-/// @return false with a sentence when another process holds the lock or the folder cannot be opened
+/// @return false with a sentence when another process holds the lock or the folder cannot be opened or locked
 [[nodiscard]] bool lockFolder(const std::filesystem::path& folder, Descriptor& lock, std::string& error);
 
 /// True when standard output is a terminal.

@@ -1,0 +1,73 @@
+#include "tests/unit/publisher/system_faults.h"
+
+#include <dirent.h>
+#include <dlfcn.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace vorthmere::publish::testing {
+namespace {
+
+// The folder itself, the one above it and the first entry, in whatever order they come.
+constexpr int kReadBeforeFailure = 3;
+
+int lockError = 0;
+int listingError = 0;
+int readsLeft = 0;
+struct stat failingFolder {};
+
+template <typename Function>
+Function* original(const char* name) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+bool isFailingFolder(DIR* folder) {
+    struct stat status {};
+    return fstat(dirfd(folder), &status) == 0 && status.st_dev == failingFolder.st_dev &&
+           status.st_ino == failingFolder.st_ino;
+}
+
+}  // namespace
+
+FailingLocks::FailingLocks(int errorNumber) {
+    lockError = errorNumber;
+}
+
+FailingLocks::~FailingLocks() {
+    lockError = 0;
+}
+
+FailingListing::FailingListing(const std::filesystem::path& folder, int errorNumber) {
+    if (stat(folder.c_str(), &failingFolder) != 0)
+        throw std::system_error(errno, std::generic_category(), folder.string());
+    readsLeft = kReadBeforeFailure;
+    listingError = errorNumber;
+}
+
+FailingListing::~FailingListing() {
+    listingError = 0;
+}
+
+}  // namespace vorthmere::publish::testing
+
+// What the program itself defines is found before the system's library, by the other libraries too.
+extern "C" {
+
+int flock(int file, int operation) noexcept {
+    using namespace vorthmere::publish::testing;
+    if (lockError == 0) return original<int(int, int)>("flock")(file, operation);
+    errno = lockError;
+    return -1;
+}
+
+dirent* readdir(DIR* folder) {
+    using namespace vorthmere::publish::testing;
+    if (listingError == 0 || !isFailingFolder(folder) || readsLeft-- > 0)
+        return original<dirent*(DIR*)>("readdir")(folder);
+    errno = listingError;
+    return nullptr;
+}
+}
