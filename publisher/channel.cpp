@@ -20,6 +20,21 @@ bool readText(const std::filesystem::path& path, std::size_t maxBytes, std::stri
     return false;
 }
 
+/// Whether a file is there at all is no matter of the updater's rules.
+bool isThere(const std::filesystem::path& path, std::string& error) {
+    std::error_code failure;
+    switch (std::filesystem::status(path, failure).type()) {
+        case std::filesystem::file_type::not_found:
+            error = inQuotes(path.filename()) + " is missing.";
+            return false;
+        case std::filesystem::file_type::none:
+            error = inQuotes(path.filename()) + " cannot be read: " + failure.message() + ".";
+            return false;
+        default:
+            return true;
+    }
+}
+
 std::string sentenceAbout(const std::filesystem::path& path, const std::string& fault) {
     return inQuotes(path.filename()) + " would be refused by the updater: " + fault;
 }
@@ -58,6 +73,7 @@ bool readPublishedManifest(const std::filesystem::path& channel, std::optional<u
     const std::filesystem::path path = channel / update::kManifestName;
     std::error_code failure;
     if (std::filesystem::symlink_status(path, failure).type() == std::filesystem::file_type::not_found) return true;
+    if (!isThere(path, error)) return false;
     std::string text;
     std::string fault;
     update::Manifest parsed;
@@ -73,6 +89,8 @@ bool readInventory(const std::filesystem::path& path, const update::Manifest& ma
                    std::vector<update::InventoryEntry>& entries, std::string& error) {
     std::string text;
     std::string fault;
+    entries.clear();
+    if (!isThere(path, error)) return false;
     if (readText(path, update::kMaxInventoryBytes, text, fault) &&
         update::parseFileInventory(text, manifest, entries, fault))
         return true;
@@ -85,6 +103,7 @@ bool readInventoryAlone(const std::filesystem::path& path, update::Manifest& man
                         std::vector<update::InventoryEntry>& entries, std::string& error) {
     std::string text;
     std::string fault;
+    if (!isThere(path, error)) return false;
     if (!readText(path, update::kMaxInventoryBytes, text, fault)) {
         error = sentenceAbout(path, fault);
         return false;

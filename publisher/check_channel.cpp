@@ -11,6 +11,7 @@
 #include "publisher/in_quotes.h"
 #include "publisher/package_reader.h"
 #include "publisher/parallel_work.h"
+#include "publisher/path_rules.h"
 #include "publisher/release_texts.h"
 #include "update/managed_file_list.h"
 #include "update/metadata_file.h"
@@ -56,11 +57,10 @@ public:
 
         Entries entries;
         const fs::path inventory = channel_ / (packageNameOf(*manifest) + std::string(update::kInventorySuffix));
-        std::error_code failure;
-        if (fs::status(inventory, failure).type() == fs::file_type::not_found)
-            faults_.push_back(inQuotes(inventory.filename()) + " is missing.");
-        else if (!readInventory(inventory, *manifest, entries, fault))
+        if (!readInventory(inventory, *manifest, entries, fault))
             faults_.push_back(fault);
+        else if (fault = clashOnWindows(pathsOf(entries)); !fault.empty())
+            faults_.push_back(inQuotes(inventory.filename()) + ": " + fault);
 
         checkPackage(*manifest, entries);
         if (!entries.empty()) checkObjects(entries);
@@ -116,20 +116,25 @@ private:
         const auto list = std::find_if(entries.begin(), entries.end(), [](const update::InventoryEntry& entry) {
             return entry.path == update::kManagedFileListName;
         });
-        std::set<std::string> inventoryPaths;
-        for (const update::InventoryEntry& entry : entries)
-            inventoryPaths.insert(entry.path);
-
         std::string text;
         std::wstring unreadable;
         std::string fault;
         std::vector<std::string> listed;
+        const std::vector<std::string> paths = pathsOf(entries);
         if (!update::readMetadataFile(channel_ / objectName(list->sha256), text, unreadable,
                                       update::kMaxManagedFileListBytes) ||
             !update::parseManagedFileList(text, listed, fault))
             faults_.push_back(inQuotes(list->path) + " would be refused by the updater.");
-        else if (inventoryPaths != std::set<std::string>(listed.begin(), listed.end()))
+        else if (std::set(paths.begin(), paths.end()) != std::set(listed.begin(), listed.end()))
             faults_.push_back(inQuotes(list->path) + " and the file inventory do not name the same files.");
+    }
+
+    static std::vector<std::string> pathsOf(const Entries& entries) {
+        std::vector<std::string> paths;
+        paths.reserve(entries.size());
+        for (const update::InventoryEntry& entry : entries)
+            paths.push_back(entry.path);
+        return paths;
     }
 
     static std::uint64_t bytesOf(const Entries& entries) {

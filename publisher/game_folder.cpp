@@ -1,7 +1,6 @@
 #include "publisher/game_folder.h"
 
 #include <algorithm>
-#include <map>
 #include <set>
 #include <system_error>
 
@@ -60,30 +59,18 @@ void forEachFolderOf(const std::string& path, Visit visit) {
         visit(path.substr(0, slash));
 }
 
+std::vector<std::string> pathsOf(const std::vector<ReleaseFile>& files) {
+    std::vector<std::string> paths;
+    paths.reserve(files.size());
+    for (const ReleaseFile& file : files)
+        paths.push_back(file.entry.path);
+    return paths;
+}
+
 bool namesAreDistinctOnWindows(const std::vector<ReleaseFile>& files, std::string& error) {
-    std::map<std::string, std::string> fileNames;
-    std::map<std::string, std::string> folderNames;
-    for (const ReleaseFile& file : files) {
-        const std::string& path = file.entry.path;
-        const auto [known, isNew] = fileNames.emplace(update::toAsciiLower(path), path);
-        if (!isNew)
-            error = inQuotes(path) + " and " + inQuotes(known->second) + " are one and the same file on Windows.";
-        forEachFolderOf(path, [&](const std::string& folder) {
-            const auto [first, isNewFolder] = folderNames.emplace(update::toAsciiLower(folder), folder);
-            if (!isNewFolder && first->second != folder)
-                error = "The folders " + inQuotes(folder) + " and " + inQuotes(first->second) +
-                        " are one and the same on Windows.";
-        });
-        if (!error.empty()) return false;
-    }
-    for (const auto& [key, folder] : folderNames) {
-        const auto file = fileNames.find(key);
-        if (file == fileNames.end()) continue;
-        error = inQuotes(file->second) + " is a file and " + inQuotes(folder) +
-                " a folder; Windows allows only one of them.";
-        return false;
-    }
-    return true;
+    const std::string clash = clashOnWindows(pathsOf(files));
+    if (!clash.empty()) error = clash;
+    return clash.empty();
 }
 
 bool holdsRequiredFiles(const std::vector<ReleaseFile>& files, std::string& error) {
@@ -113,11 +100,7 @@ bool staysWithinLimits(const std::vector<ReleaseFile>& files, std::string& error
 }
 
 bool listsStayWithinLimits(const std::vector<ReleaseFile>& files, std::string& error) {
-    std::vector<std::string> paths;
-    paths.reserve(files.size());
-    for (const ReleaseFile& file : files)
-        paths.push_back(file.entry.path);
-
+    std::vector<std::string> paths = pathsOf(files);
     const std::string list = managedFileListText(paths);
     if (list.size() > update::kMaxManagedFileListBytes) {
         error = inQuotes(update::kManagedFileListName) + " would have " + std::to_string(list.size()) +

@@ -118,6 +118,11 @@ void printPlan(const UpdatePlan& plan, bool listFiles, Console& console) {
     }
     console.line((plan.fromRelease != 0 ? "From release " + std::to_string(plan.fromRelease) : "From this folder") +
                  " to release " + std::to_string(plan.target.release) + " (" + plan.target.version + "):");
+    if (!plan.packageReason.empty()) {
+        console.line("  complete package: " + sizeOf(plan.target.size));
+        console.line("The update takes the complete package: " + plan.packageReason);
+        return;
+    }
     if (listFiles) {
         for (const update::InventoryEntry& entry : difference.fetched)
             console.line("  fetch " + entry.path + ", " + sizeOf(entry.size));

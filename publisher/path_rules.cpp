@@ -1,5 +1,7 @@
 #include "publisher/path_rules.h"
 
+#include <map>
+
 #include "publisher/in_quotes.h"
 #include "update/ascii.h"
 #include "update/managed_path.h"
@@ -34,6 +36,30 @@ std::string brokenPathRule(std::string_view path) {
         path.remove_prefix(slash == std::string_view::npos ? path.size() : slash + 1);
     }
     return "the path is not relative to the game folder";
+}
+
+std::string clashOnWindows(const std::vector<std::string>& paths) {
+    std::map<std::string, std::string> fileNames;
+    std::map<std::string, std::string> folderNames;
+    for (const std::string& path : paths) {
+        const auto [known, isNew] = fileNames.emplace(update::toAsciiLower(path), path);
+        if (!isNew)
+            return inQuotes(path) + " and " + inQuotes(known->second) + " are one and the same file on Windows.";
+        for (std::size_t slash = path.find('/'); slash != std::string::npos; slash = path.find('/', slash + 1)) {
+            const std::string folder = path.substr(0, slash);
+            const auto [first, isNewFolder] = folderNames.emplace(update::toAsciiLower(folder), folder);
+            if (!isNewFolder && first->second != folder)
+                return "The folders " + inQuotes(folder) + " and " + inQuotes(first->second) +
+                       " are one and the same on Windows.";
+        }
+    }
+    for (const auto& [key, folder] : folderNames) {
+        const auto file = fileNames.find(key);
+        if (file != fileNames.end())
+            return inQuotes(file->second) + " is a file and " + inQuotes(folder) +
+                   " a folder; Windows allows only one of them.";
+    }
+    return {};
 }
 
 }  // namespace vorthmere::publish

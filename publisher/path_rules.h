@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vorthmere::publish {
 
@@ -9,5 +10,11 @@ namespace vorthmere::publish {
 ///
 /// @return a clause without a full stop, or nothing when the path is accepted
 [[nodiscard]] std::string brokenPathRule(std::string_view path);
+
+/// Says which two of a release's paths Windows cannot keep apart: files or folders that differ only in letter case, or
+/// a file that is also a folder.
+///
+/// @return one sentence about the first such pair, or nothing when there is none
+[[nodiscard]] std::string clashOnWindows(const std::vector<std::string>& paths);
 
 }  // namespace vorthmere::publish

@@ -39,6 +39,23 @@ std::set<std::string> keysOf(const Entries& wanted) {
     return keys;
 }
 
+bool listEntry(const fs::directory_entry& entry, const std::string& path, const std::set<std::string>& wantedKeys,
+               std::vector<ReleaseFile>& files, std::string& error) {
+    std::error_code failure;
+    const fs::file_type type = entry.symlink_status(failure).type();
+    if (type == fs::file_type::symlink && wantedKeys.contains(update::toAsciiLower(path))) {
+        error = inQuotes(path) + " is a symbolic link; the updater refuses to go through links.";
+        return false;
+    }
+    const std::uintmax_t size = type == fs::file_type::regular ? entry.file_size(failure) : 0;
+    if (failure) {
+        error = inQuotes(entry.path()) + " cannot be read: " + failure.message() + ".";
+        return false;
+    }
+    if (type == fs::file_type::regular) files.push_back({{path, {}, size}, entry.path(), {}});
+    return true;
+}
+
 /// Unlike a game folder, an installation may hold anything beside the files of the release.
 bool listInstallation(const fs::path& folder, const Entries& wanted, std::vector<ReleaseFile>& files,
                       std::string& error) {
@@ -48,12 +65,7 @@ bool listInstallation(const fs::path& folder, const Entries& wanted, std::vector
     for (; !failure && walk != fs::recursive_directory_iterator(); walk.increment(failure)) {
         const std::string path = walk->path().lexically_relative(folder).generic_string();
         if (update::toAsciiLower(path) == update::kWorkFolderName) walk.disable_recursion_pending();
-        if (walk->is_symlink() && wantedKeys.contains(update::toAsciiLower(path))) {
-            error = inQuotes(path) + " is a symbolic link; the updater refuses to go through links.";
-            return false;
-        }
-        if (walk->is_symlink() || !walk->is_regular_file()) continue;
-        files.push_back({{path, {}, walk->file_size()}, walk->path(), {}});
+        if (!listEntry(*walk, path, wantedKeys, files, error)) return false;
     }
     if (failure) error = "The folder " + inQuotes(folder) + " cannot be read: " + failure.message() + ".";
     return !failure;
@@ -109,25 +121,34 @@ bool planUpdate(const fs::path& from, const fs::path& channel, Console& console,
     }
     plan.target = *target;
 
+    std::error_code failure;
+    const fs::file_type fromType = fs::status(from, failure).type();
+    if (fromType == fs::file_type::not_found) {
+        error = inQuotes(from) + " does not exist.";
+        return false;
+    }
+
     Entries wanted;
     Entries installed;
-    std::error_code failure;
     const std::string inventory = packageNameOf(plan.target) + std::string(update::kInventorySuffix);
-    if (!readInventory(channel / inventory, plan.target, wanted, error)) return false;
+    const bool canBeIncremental = readInventory(channel / inventory, plan.target, wanted, plan.packageReason);
 
-    if (!fs::is_directory(from, failure)) {
+    std::vector<std::string> managed;
+    const bool isFolder = fromType == fs::file_type::directory;
+    if (isFolder) {
+        if (!readInstallation(from, wanted, console, installed, managed, error)) return false;
+    } else {
         update::Manifest older;
         if (!readInventoryAlone(from, older, installed, error)) return false;
         plan.fromRelease = older.release;
-        plan.difference = compareReleases(installed, wanted);
-    } else {
-        std::vector<std::string> managed;
-        if (!readInstallation(from, wanted, console, installed, managed, error)) return false;
-        plan.difference = compareReleases(installed, wanted);
+    }
+    if (!canBeIncremental) return true;
+
+    plan.difference = compareReleases(installed, wanted);
+    if (isFolder)
         std::erase_if(plan.difference.removed, [&managed](const std::string& path) {
             return std::find(managed.begin(), managed.end(), path) == managed.end();
         });
-    }
     plan.incremental = updatesIncrementally(plan.difference, plan.target);
     return true;
 }

@@ -15,7 +15,8 @@ struct UpdatePlan {
     update::Manifest target;        ///< the release that the channel offers
     std::uint32_t fromRelease = 0;  ///< 0 when it is not known: a folder does not tell
     ReleaseDifference difference;
-    bool incremental = false;  ///< the changed files are fetched, else the complete package
+    bool incremental = false;   ///< the changed files are fetched, else the complete package
+    std::string packageReason;  ///< what is wrong with the target's inventory; then nothing is known of a difference
 };
 
 /// Finds out how an updater would get from an older release to the one that a channel offers.
@@ -23,7 +24,8 @@ struct UpdatePlan {
 /// @param from  the older release: its inventory, an installation, or the game folder that it was built from. Of an
 ///              installation only the files on its managed-file list count as removed; a game folder has no such list,
 ///              and everything in it counts.
-/// @param error receives the sentence of a failure
+/// @param error receives the sentence of a failure; an unusable inventory of the offered release is none, as updaters
+///              then take the complete package
 [[nodiscard]] bool planUpdate(const std::filesystem::path& from, const std::filesystem::path& channel, Console& console,
                               UpdatePlan& plan, std::string& error);
 

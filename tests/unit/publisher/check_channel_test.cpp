@@ -4,7 +4,11 @@
 
 #include <sstream>
 
+#include "publisher/game_folder.h"
+#include "publisher/release_staging.h"
+#include "publisher/release_texts.h"
 #include "tests/unit/publisher/publishing.h"
+#include "update/release_channel.h"
 
 namespace vorthmere::publish::testing {
 namespace {
@@ -33,6 +37,36 @@ protected:
         std::vector<std::string> found = checkChannel(channel, console);
         EXPECT_EQ(readTree(channel), before);
         return found;
+    }
+
+    /// Makes a channel from the game folder without any of the rules by which buildRelease() judges one.
+    [[nodiscard]] fs::path channelOfAnyFiles() const {
+        GameFolder found;
+        std::string error;
+        EXPECT_TRUE(listGameFolder(game, found, error)) << error;
+        std::vector<ReleaseFile>& files = found.files;
+        const update::Manifest details = request(43).details;
+        std::vector<std::string> paths{std::string(update::kManagedFileListName),
+                                       std::string(update::kReleaseMarkerName)};
+        for (const ReleaseFile& file : files)
+            paths.push_back(file.entry.path);
+        for (const auto& [name, text] : {std::pair{update::kManagedFileListName, managedFileListText(paths)},
+                                         std::pair{update::kReleaseMarkerName, releaseMarkerText(details)}})
+            files.push_back({{std::string(name), {}, text.size()}, {}, text});
+        EXPECT_TRUE(hashReleaseFiles(
+            files, [](std::uint64_t) {}, error))
+            << error;
+
+        std::vector<const ReleaseFile*> objects;
+        for (const ReleaseFile& file : files)
+            objects.push_back(&file);
+        fs::path other = folder / "other channel";
+        fs::create_directory(other);
+        std::ostringstream output;
+        Console console(output, false);
+        StagedRelease staged;
+        EXPECT_TRUE(stageRelease(files, objects, details, other, console, staged, error)) << error;
+        return other;
     }
 
     void flipLastByte(const fs::path& file) const {
@@ -126,6 +160,17 @@ TEST_F(CheckChannelTest, MissingWrongSizedAndCorruptObjectsAreAllNamed) {
                                      AllOf(HasSubstr("Vorthmere.exe"), HasSubstr("has 3 bytes instead of 8.")),
                                      AllOf(HasSubstr("theme.ogg"), HasSubstr("is corrupt")),
                                      AllOf(HasSubstr("KVNUpdater.exe"), HasSubstr("is not a regular file."))));
+}
+
+TEST_F(CheckChannelTest, FoldersThatAreOneOnWindows) {
+    std::ostringstream output;
+    Console console(output, false);
+    EXPECT_THAT(checkChannel(channelOfAnyFiles(), console), IsEmpty());
+    fs::remove_all(folder / "other channel");
+    putFile("Data/other.pak", "other");
+    EXPECT_THAT(checkChannel(channelOfAnyFiles(), console),
+                ElementsAre("\"KVN-release-43.zip.files\": The folders \"data\" and \"Data\" are one and the same on "
+                            "Windows."));
 }
 
 TEST_F(CheckChannelTest, FolderThatIsNoChannel) {

@@ -1,6 +1,7 @@
 #include "publisher/update_plan.h"
 
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <sstream>
 
@@ -49,6 +50,23 @@ TEST(ReleaseDifference, ChangedBytesThatEqualThePackageTakeThePackage) {
     manifest.size = 99;
     EXPECT_FALSE(updatesIncrementally(difference, manifest));
 }
+
+/// While it lives, the process has no more rights than any other account.
+class NoPrivileges {
+public:
+    NoPrivileges() {
+        if (account_ == 0 && seteuid(kNobody) != 0) throw std::runtime_error("the account cannot be changed");
+    }
+    ~NoPrivileges() {
+        EXPECT_EQ(seteuid(account_), 0);
+    }
+    NoPrivileges(const NoPrivileges&) = delete;
+    NoPrivileges& operator=(const NoPrivileges&) = delete;
+
+private:
+    static constexpr uid_t kNobody = 65534;
+    const uid_t account_ = geteuid();
+};
 
 class UpdatePlanTest : public PublishingTest {
 protected:
@@ -133,9 +151,59 @@ TEST_F(UpdatePlanTest, ListThatTheUpdaterRefuses) {
 
 TEST_F(UpdatePlanTest, WhatIsNoInventory) {
     EXPECT_THAT(refusalFrom(channel / "KVN-alpha.manifest"), HasSubstr("is not a file inventory"));
-    EXPECT_THAT(refusalFrom(folder / "nowhere"), HasSubstr("invalid size"));
     writeFile(folder / "header", "KVN-FILES/1\narchive=0\nrelease=1\nprotocol=1\nversion=x\n");
     EXPECT_THAT(refusalFrom(folder / "header"), HasSubstr("File inventory is missing release metadata."));
+}
+
+TEST_F(UpdatePlanTest, WhatDoesNotExistIsNamed) {
+    const std::string sentence = "\"" + (folder / "nowhere").string() + "\" does not exist.";
+    EXPECT_EQ(refusalFrom(folder / "nowhere"), sentence);
+    fs::remove(channel / "KVN-release-42.zip.files");
+    EXPECT_EQ(refusalFrom(folder / "nowhere"), sentence);
+}
+
+TEST_F(UpdatePlanTest, WithoutASoundInventoryTheUpdateTakesTheCompletePackage) {
+    const fs::path inventory = channel / "KVN-release-42.zip.files";
+    const auto expectPackage = [this](const fs::path& from, const std::string& reason) {
+        const UpdatePlan plan = planFrom(from);
+        EXPECT_EQ(plan.packageReason, reason);
+        EXPECT_FALSE(plan.incremental);
+        EXPECT_EQ(plan.target.release, 42u);
+        EXPECT_THAT(plan.difference.removed, IsEmpty());
+    };
+    writeFile(inventory, "broken");
+    expectPackage(oldGame,
+                  "\"KVN-release-42.zip.files\" would be refused by the updater: File inventory does not match "
+                  "the selected release.");
+    fs::remove(inventory);
+    expectPackage(oldGame, "\"KVN-release-42.zip.files\" is missing.");
+    expectPackage(channel / "KVN-release-41.zip.files", "\"KVN-release-42.zip.files\" is missing.");
+    EXPECT_EQ(planFrom(channel / "KVN-release-41.zip.files").fromRelease, 41u);
+}
+
+TEST_F(UpdatePlanTest, InstallationThatMayNotBeReadIsNamed) {
+    fs::permissions(folder.path(), static_cast<fs::perms>(0755));
+    fs::permissions(oldGame / "data/sound", static_cast<fs::perms>(0444));
+    std::string refusal;
+    {
+        const NoPrivileges account;
+        refusal = refusalFrom(oldGame);
+    }
+    fs::permissions(oldGame / "data/sound", static_cast<fs::perms>(0755));
+    EXPECT_THAT(refusal,
+                ::testing::MatchesRegex("\"/.*/data/sound/.*theme.ogg\" cannot be read: Permission denied\\."));
+}
+
+TEST_F(UpdatePlanTest, ChannelThatMayNotBeReadIsNoChannelThatTheUpdaterRefuses) {
+    fs::permissions(folder.path(), static_cast<fs::perms>(0755));
+    fs::permissions(channel, static_cast<fs::perms>(0444));
+    std::string refusal;
+    {
+        const NoPrivileges account;
+        refusal = refusalFrom(oldGame);
+    }
+    fs::permissions(channel, static_cast<fs::perms>(0755));
+    EXPECT_EQ(refusal, "\"KVN-alpha.manifest\" cannot be read: Permission denied.");
 }
 
 TEST_F(UpdatePlanTest, ChannelWithoutARelease) {
