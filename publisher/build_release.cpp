@@ -16,6 +16,7 @@
 #include "publisher/release_staging.h"
 #include "publisher/release_texts.h"
 #include "publisher/sha256.h"
+#include "update/decimal.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish {
@@ -26,6 +27,17 @@ namespace fs = std::filesystem;
 bool isInside(const fs::path& inner, const fs::path& outer) {
     const fs::path relative = inner.lexically_relative(outer);
     return !relative.empty() && *relative.begin() != "..";
+}
+
+/// The release whose package or inventory has this name.
+std::optional<std::uint32_t> releaseOfName(const std::string& name) {
+    constexpr std::string_view digits = "0123456789";
+    const std::size_t first = std::min(name.find_first_of(digits), name.size());
+    const std::size_t end = std::min(name.find_first_not_of(digits, first), name.size());
+    std::uint32_t release = 0;
+    if (!update::parseDecimal(std::string_view(name).substr(first, end - first), release)) return {};
+    if (release == 0 || (name != packageName(release) && name != inventoryName(release))) return {};
+    return release;
 }
 
 bool judgeFolders(const ReleaseRequest& request, std::string& error) {
@@ -39,7 +51,14 @@ bool judgeFolders(const ReleaseRequest& request, std::string& error) {
         return false;
     }
     const fs::path game = fs::canonical(request.gameFolder, failure);
-    const fs::path channel = fs::weakly_canonical(fs::absolute(request.channel), failure);
+    fs::path channel;
+    if (!failure) channel = fs::absolute(request.channel, failure);
+    if (!failure) channel = fs::weakly_canonical(channel, failure);
+    if (failure) {
+        error =
+            "Where the channel " + inQuotes(request.channel) + " lies cannot be found out: " + failure.message() + ".";
+        return false;
+    }
     if (!isInside(game, channel) && !isInside(channel, game)) return true;
     error = "The game folder and the channel must lie apart, neither inside the other.";
     return false;
@@ -132,23 +151,32 @@ private:
         return published_ && published_->release == request_.details.release;
     }
 
-    bool judgeRepetition(std::string& error) const {
+    bool judgeRepetition(std::string& error) {
         if (!isRepetition()) return true;
         update::Manifest same = request_.details;
         same.size = published_->size;
         same.sha256 = published_->sha256;
-        same.url = published_->url;
+        same.url = std::string(update::kDownloadBaseUrl) + packageName(same.release);
         std::string ignored;
         std::vector<update::InventoryEntry> entries;
         const bool isReadable =
             readInventory(request_.channel / inventoryName(same.release), *published_, entries, ignored);
-        if (same == *published_ && (!isReadable || entries == inventoryOf(files_))) return true;
-        return refuseRepetition(error);
+        contentIsTheSame_ = isReadable && entries == inventoryOf(files_);
+        if (same == *published_ && (!isReadable || contentIsTheSame_)) return true;
+        error = "Release " + std::to_string(same.release) +
+                " is published already with other content or other details: use a greater --release.";
+        return false;
     }
 
-    bool refuseRepetition(std::string& error) const {
-        error = "Release " + std::to_string(request_.details.release) +
-                " is published already with other content or other details: use a greater --release.";
+    bool judgeRepeatedPackage(std::string& error) const {
+        if (!isRepetition() || manifest_ == *published_) return true;
+        error = "Release " + std::to_string(manifest_.release) +
+                (contentIsTheSame_
+                     ? " is published already with the same content and details, but its package comes out differently "
+                       "now, perhaps because other versions of libarchive or zlib pack it: use the former ones or a "
+                       "greater --release."
+                     : " is published already with another package, which holds other content or was packed by other "
+                       "versions of libarchive or zlib: use a greater --release.");
         return false;
     }
 
@@ -193,12 +221,11 @@ private:
     }
 
     bool prepareWorkFolder(std::string& error) {
+        if (channelIsNew_ && (!createFolders(request_.channel, error) || !lockFolder(request_.channel, lock_, error) ||
+                              !judgeReleaseNumber(error)))
+            return false;
         std::error_code failure;
-        if (channelIsNew_) {
-            fs::create_directories(request_.channel, failure);
-            if (!failure && (!lockFolder(request_.channel, lock_, error) || !judgeReleaseNumber(error))) return false;
-        }
-        if (!failure) fs::remove_all(work_, failure);
+        fs::remove_all(work_, failure);
         if (!failure) fs::create_directory(work_, failure);
         if (!failure) return true;
         error = inQuotes(work_) + " cannot be prepared: " + failure.message() + ".";
@@ -210,7 +237,7 @@ private:
         if (!stageRelease(files_, newObjects_, request_.details, work_, console_, staged, error)) return false;
         manifest_ = staged.manifest;
         inventory_ = staged.inventory;
-        return !isRepetition() || manifest_ == *published_ || refuseRepetition(error);
+        return judgeRepeatedPackage(error);
     }
 
     bool publish(std::string& error) {
@@ -256,26 +283,34 @@ private:
     /// Players come from the release that was published until now; when a run is repeated that is no longer known, and
     /// the newest older one in the channel stands for it.
     bool readPreviousInventory(std::vector<update::InventoryEntry>& entries) {
-        std::string ignored;
+        std::string fault;
+        bool isReadable = false;
         if (published_ && !isRepetition()) {
             summary_.previousRelease = published_->release;
             const std::string name = packageNameOf(*published_) + std::string(update::kInventorySuffix);
-            if (readInventory(request_.channel / name, *published_, entries, ignored)) return true;
-            summary_.previousRelease.reset();
-            return false;
-        }
-        std::error_code failure;
-        for (const fs::directory_entry& file : fs::directory_iterator(request_.channel, failure)) {
+            isReadable = readInventory(request_.channel / name, *published_, entries, fault);
+        } else {
+            if (!findNewestOlderRelease() || !summary_.previousRelease) return false;
+            const fs::path inventory = request_.channel / inventoryName(*summary_.previousRelease);
             update::Manifest older;
-            std::vector<update::InventoryEntry> found;
-            if (!file.path().filename().string().ends_with(update::kInventorySuffix) ||
-                !readInventoryAlone(file.path(), older, found, ignored) || older.release >= manifest_.release ||
-                older.release <= summary_.previousRelease.value_or(0))
-                continue;
-            summary_.previousRelease = older.release;
-            entries = std::move(found);
+            isReadable = readInventoryAlone(inventory, older, entries, fault);
         }
-        return summary_.previousRelease.has_value();
+        if (!isReadable)
+            summary_.previousFault =
+                "The inventory of release " + std::to_string(*summary_.previousRelease) + " cannot be read: " + fault;
+        return isReadable;
+    }
+
+    bool findNewestOlderRelease() {
+        std::error_code failure;
+        fs::directory_iterator file(request_.channel, failure);
+        for (; !failure && file != fs::directory_iterator(); file.increment(failure)) {
+            const std::optional<std::uint32_t> release = releaseOfName(file->path().filename().string());
+            if (release && *release < manifest_.release)
+                summary_.previousRelease = std::max(*release, summary_.previousRelease.value_or(0));
+        }
+        if (failure) summary_.previousFault = "The channel cannot be listed: " + failure.message() + ".";
+        return !failure;
     }
 
     const ReleaseRequest& request_;
@@ -283,6 +318,7 @@ private:
     ReleaseSummary& summary_;
     const fs::path work_;
     bool channelIsNew_ = false;
+    bool contentIsTheSame_ = false;  ///< as that of the same release in the channel, whose inventory could be read
     Descriptor lock_;
     std::optional<update::Manifest> published_;
     std::vector<ReleaseFile> files_;

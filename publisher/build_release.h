@@ -27,7 +27,8 @@ struct ReleaseSummary {
     std::uint64_t newObjectBytes = 0;
     std::uint64_t packageBytes = 0;
     std::optional<std::uint32_t> previousRelease;  ///< none when the channel holds no older release
-    std::uint64_t bytesFromPrevious = 0;           ///< what an updater fetches coming from it
+    std::string previousFault;                     ///< one sentence on why the next two are not known; else empty
+    std::uint64_t bytesFromPrevious = 0;           ///< what an updater fetches coming from the previous release
     bool incrementalFromPrevious = false;          ///< as changed files, not as the complete package
 };
 

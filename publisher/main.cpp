@@ -66,9 +66,12 @@ void printSummary(const update::Manifest& details, const ReleaseSummary& summary
     if (summary.mendedObjects != 0)
         console.line("  replaced:         " + countOf(summary.mendedObjects, "damaged object"));
     console.line("  complete package: " + sizeOf(summary.packageBytes));
-    if (summary.previousRelease)
-        console.line("  from release " + std::to_string(*summary.previousRelease) + ": an updater fetches " +
-                     sizeOf(summary.bytesFromPrevious) +
+    const std::string previous =
+        summary.previousRelease ? "release " + std::to_string(*summary.previousRelease) : "an earlier release";
+    if (!summary.previousFault.empty())
+        console.line("  from " + previous + ": what an updater fetches is not known. " + summary.previousFault);
+    else if (summary.previousRelease)
+        console.line("  from " + previous + ": an updater fetches " + sizeOf(summary.bytesFromPrevious) +
                      (summary.incrementalFromPrevious ? " as changed files" : " as the complete package"));
     else
         console.line("  the channel holds no earlier release to update from");

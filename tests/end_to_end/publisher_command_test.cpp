@@ -68,6 +68,28 @@ TEST_F(PublisherCommandTest, SummaryTellsWhatPlayersWillFetch) {
     EXPECT_THAT(end.output, testing::Not(HasSubstr("\r")));
 }
 
+TEST_F(PublisherCommandTest, SummaryAndPlanTellThatAnInventoryIsMissing) {
+    ASSERT_EQ(runPublisher(buildArguments(41, game_, channel_)).exitCode, 0);
+    const std::filesystem::path former = folder_ / "former.files";
+    std::filesystem::rename(channel_ / "KVN-release-41.zip.files", former);
+    const ToolEnd built = runPublisher(buildArguments(42, game_, channel_));
+    EXPECT_EQ(built.exitCode, 0);
+    EXPECT_THAT(
+        built.output,
+        AllOf(HasSubstr("\n  from release 41: what an updater fetches is not known. The inventory of release 41 "
+                        "cannot be read: \"KVN-release-41.zip.files\" is missing.\n"),
+              testing::Not(HasSubstr("holds no earlier release"))));
+
+    std::filesystem::remove(channel_ / "KVN-release-42.zip.files");
+    const ToolEnd planned =
+        runPublisher({"plan", "--from", former.string(), "--channel", channel_.string(), "--files"});
+    EXPECT_EQ(planned.exitCode, 0);
+    EXPECT_THAT(planned.output,
+                testing::MatchesRegex("From release 41 to release 42 .*:\n  complete package: .* bytes\n"
+                                      "The update takes the complete package: \"KVN-release-42.zip.files\" is "
+                                      "missing.\n"));
+}
+
 TEST_F(PublisherCommandTest, CheckEndsWith1AndNamesTheFault) {
     ASSERT_EQ(runPublisher(buildArguments(41, game_, channel_)).exitCode, 0);
     EXPECT_EQ(runPublisher({"check", "--channel", channel_.string()}).exitCode, 0);

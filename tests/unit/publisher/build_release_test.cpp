@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
+#include <cerrno>
 #include <cstdlib>
 
 #include "publisher/channel.h"
@@ -7,6 +9,7 @@
 #include "publisher/package_reader.h"
 #include "publisher/sha256.h"
 #include "tests/unit/publisher/publishing.h"
+#include "tests/unit/publisher/system_faults.h"
 #include "update/managed_file_list.h"
 #include "update/release_channel.h"
 
@@ -127,6 +130,45 @@ TEST_F(BuildReleaseTest, NextReleaseKeepsEveryFileOfTheFormerOne) {
     EXPECT_EQ(summary.previousRelease, 41u);
     EXPECT_EQ(summary.bytesFromPrevious, 17u + std::string("release=42\nversion=0.9.3 alpha\nprotocol=7\n").size());
     EXPECT_TRUE(summary.incrementalFromPrevious);
+}
+
+TEST_F(BuildReleaseTest, SummaryNamesAPreviousInventoryThatCannotBeRead) {
+    const fs::path former = channel / "KVN-release-41.zip.files";
+    const std::string missing = "The inventory of release 41 cannot be read: \"KVN-release-41.zip.files\" is missing.";
+    publish(41);
+    fs::remove(former);
+    ReleaseSummary summary = publish(42);
+    EXPECT_EQ(summary.previousRelease, 41u);
+    EXPECT_EQ(summary.previousFault, missing);
+
+    // A repetition has only the names in the channel to tell which release was the previous one.
+    summary = publish(42);
+    EXPECT_EQ(summary.previousRelease, 41u);
+    EXPECT_EQ(summary.previousFault, missing);
+    writeFile(former, "broken");
+    EXPECT_THAT(publish(42).previousFault, HasSubstr("is not a file inventory."));
+    writeFile(former, "");
+    EXPECT_THAT(publish(43).previousFault, "");
+}
+
+TEST_F(BuildReleaseTest, ReleaseIsPublishedThoughNobodyCanTellWhatWasThereBefore) {
+    publish(42);
+    const FailingListing listing(channel, EIO);
+    EXPECT_EQ(publish(42).previousFault, "The channel cannot be listed: Input/output error.");
+}
+
+TEST_F(BuildReleaseTest, EveryAccountMayReadTheChannelWhateverTheUmask) {
+    ReleaseRequest wanted = request(42);
+    wanted.channel = folder / "served/downloads";
+    const mode_t before = umask(077);
+    const std::string refusal = refusalOf(wanted);
+    umask(before);
+    ASSERT_EQ(refusal, "");
+    const auto modeOf = [](const fs::path& path) { return static_cast<unsigned>(fs::status(path).permissions()); };
+    EXPECT_EQ(modeOf(folder / "served"), 0755u);
+    EXPECT_EQ(modeOf(wanted.channel), 0755u);
+    for (const fs::directory_entry& file : fs::directory_iterator(wanted.channel))
+        EXPECT_EQ(modeOf(file.path()), 0644u) << file.path();
 }
 
 TEST_F(BuildReleaseTest, SameInputGivesTheSameBytes) {

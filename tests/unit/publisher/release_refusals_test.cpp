@@ -4,6 +4,8 @@
 #include <functional>
 
 #include "publisher/durable_files.h"
+#include "publisher/package_writer.h"
+#include "publisher/release_texts.h"
 #include "tests/unit/publisher/publishing.h"
 #include "update/managed_file_list.h"
 #include "update/release_channel.h"
@@ -139,6 +141,12 @@ TEST_F(ReleaseRefusalsTest, ChannelThatIsAFile) {
     EXPECT_THAT(refusalOf(wanted), HasSubstr("file\" is not a folder"));
 }
 
+TEST_F(ReleaseRefusalsTest, ChannelWithoutAName) {
+    ReleaseRequest wanted = request(42);
+    wanted.channel.clear();
+    EXPECT_THAT(refusalOf(wanted), StartsWith("Where the channel \"\" lies cannot be found out: "));
+}
+
 TEST_F(ReleaseRefusalsTest, ChannelAndGameFolderInsideEachOther) {
     ReleaseRequest wanted = request(42);
     wanted.channel = game / "channel";
@@ -166,7 +174,32 @@ TEST_F(ReleaseRefusalsTest, SameReleaseWithOtherContent) {
     expectRefusal(request(42), StartsWith("Release 42 is published already with other content"));
     fs::remove(channel / "KVN-release-42.zip.files");
     remember();
-    expectRefusal(request(42), StartsWith("Release 42 is published already with other content"));
+    expectRefusal(request(42), StartsWith("Release 42 is published already with another package"));
+}
+
+TEST_F(ReleaseRefusalsTest, SameReleaseWhosePackageIsPackedDifferently) {
+    publish(42);
+    std::vector<ReleaseFile> files;
+    for (const update::InventoryEntry& entry : inventory())
+        files.push_back({entry, channel / objectName(entry.sha256), {}, false});
+    update::Manifest offered = manifest();
+    PackageFacts facts;
+    std::string error;
+    ASSERT_TRUE(writePackage(
+        files, channel / "KVN-release-42.zip", update::kMaxPackageBytes, facts, [](std::uint64_t) {}, error))
+        << error;
+    offered.size = facts.size;
+    offered.sha256 = facts.sha256;
+    writeFile(channel / "KVN-release-42.zip.files", inventoryText(offered, inventoryOf(files)));
+    writeFile(channel / "KVN-alpha.manifest", manifestText(offered));
+    remember();
+    expectRefusal(request(42), AllOf(StartsWith("Release 42 is published already with the same content and details, "
+                                                "but its package comes out differently"),
+                                     HasSubstr("other versions of libarchive or zlib")));
+    fs::remove(channel / "KVN-release-42.zip.files");
+    remember();
+    expectRefusal(request(42), AllOf(StartsWith("Release 42 is published already with another package"),
+                                     HasSubstr("other versions of libarchive or zlib")));
 }
 
 TEST_F(ReleaseRefusalsTest, SameReleaseWithOtherDetails) {
