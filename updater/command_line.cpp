@@ -45,9 +45,15 @@ bool isKnownOption(const OptionValues::value_type& option) {
     return std::find(kValueOptions.begin(), kValueOptions.end(), option.first) != kValueOptions.end();
 }
 
-void copyPath(const OptionValues& values, std::wstring_view option, std::filesystem::path& out) {
+/// Null when the option was not given.
+const std::wstring* valueOf(const OptionValues& values, std::wstring_view option) {
     const auto found = values.find(option);
-    if (found != values.end()) out = found->second;
+    return found == values.end() ? nullptr : &found->second;
+}
+
+void copyPath(const OptionValues& values, std::wstring_view option, std::filesystem::path& out) {
+    const std::wstring* const value = valueOf(values, option);
+    if (value) out = *value;
 }
 
 }  // namespace
@@ -67,13 +73,12 @@ bool parseArguments(int argc, const wchar_t* const* argv, Arguments& out, std::w
     OptionValues values;
     if (!collectOptions(argc, argv, out, values)) return fail(L"The updater command line is invalid.");
 
-    const auto current = values.find(kCurrent);
-    if (!values.contains(kInstall) || current == values.end() || !parseUnsigned(current->second, out.currentRelease) ||
+    const std::wstring* const current = valueOf(values, kCurrent);
+    if (!valueOf(values, kInstall) || !current || !parseUnsigned(*current, out.currentRelease) ||
         out.currentRelease == 0)
         return fail(L"The updater command line is missing the installation or release.");
-    const auto parent = values.find(kParent);
-    if (parent != values.end() && !parseUnsigned(parent->second, out.parentProcessId))
-        return fail(L"The updater parent process is invalid.");
+    const std::wstring* const parent = valueOf(values, kParent);
+    if (parent && !parseUnsigned(*parent, out.parentProcessId)) return fail(L"The updater parent process is invalid.");
 
     copyPath(values, kInstall, out.install);
     copyPath(values, kManifestFile, out.manifestFile);
