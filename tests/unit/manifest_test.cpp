@@ -135,12 +135,16 @@ TEST(Manifest, ResetsTheRecordAndTheSentenceOnEntry) {
     EXPECT_EQ(error, "");
 }
 
-TEST(Manifest, KeepsTheFieldsReadBeforeAFault) {
-    Manifest manifest;
+TEST(Manifest, KeepsTheFieldsReadBeforeAFaultAndNothingElse) {
+    Manifest manifest = sampleManifest();
     std::string error;
-    EXPECT_FALSE(parseManifest("KVN-UPDATE/1\nrelease=42\nversion=1.0\nprotocol=0\n", manifest, error));
-    EXPECT_EQ(manifest.release, 42U);
+    EXPECT_FALSE(parseManifest("KVN-UPDATE/1\nversion=1.0\nmandatory=2\n", manifest, error));
     EXPECT_EQ(manifest.version, "1.0");
+    EXPECT_EQ(manifest.release, 0U);
+    EXPECT_EQ(manifest.protocol, 0U);
+    EXPECT_FALSE(manifest.mandatory);
+    EXPECT_EQ(manifest.size, 0U);
+    EXPECT_EQ(manifest.url + manifest.sha256 + manifest.notes, "");
 }
 
 TEST(Manifest, IsReadUpToExactly8192Bytes) {
