@@ -36,7 +36,6 @@ protected:
     /// @param request a command that closes the window of a failed run
     void expectClosing(const std::string& request) {
         UpdaterWindow window = openFailedWindow();
-        expectFocusOnButton(window);
         window.tell(request);
         EXPECT_EQ(window.exitCode(), "0x0000000B");
         EXPECT_THAT(trace(window).callsOf("user32.MessageBeep"), IsEmpty());

@@ -121,7 +121,6 @@ TEST_F(WindowRunTest, CurrentInstallationIsShownAsASuccess) {
 
 TEST_F(WindowRunTest, FailureShowsItsSentenceTheRollbackLineAndTheButton) {
     UpdaterWindow window = openFailedWindow();
-    expectFocusOnButton(window);
     const WindowContent content = window.look();
     EXPECT_EQ(content.status, kFailed);
     EXPECT_THAT(content.detail, HasSubstr(std::string(".") + kRolledBack));

@@ -1,7 +1,7 @@
 #include "tests/end_to_end/support/killed_test.h"
 
 #include <fstream>
-#include <iterator>
+#include <sstream>
 
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/programs.h"
@@ -25,8 +25,10 @@ bool anyProcessNames(const std::string& text) {
         std::error_code gone;
         if (!fs::exists(process.path() / "cmdline", gone) || process.path().filename() == "self") continue;
         std::ifstream file(process.path() / "cmdline", std::ios::binary);
-        const std::string words{std::istreambuf_iterator<char>(file), {}};
-        if (words.find(text) != std::string::npos) return true;
+        // A process that ends meanwhile makes the reading fail, which this takes for the end of the words.
+        std::ostringstream words;
+        words << file.rdbuf();
+        if (words.str().find(text) != std::string::npos) return true;
     }
     return false;
 }

@@ -28,12 +28,8 @@ UpdaterWindow WindowTest::openWindow(const UpdaterCommand& command) {
 
 UpdaterWindow WindowTest::openFailedWindow() {
     UpdaterWindow window = openWindow(failingCommand());
-    EXPECT_TRUE(window.waitUntil([](const WindowContent& content) { return content.buttonVisible; }).buttonVisible);
-    return window;
-}
-
-void WindowTest::expectFocusOnButton(UpdaterWindow& window) {
     EXPECT_TRUE(window.waitUntil([](const WindowContent& content) { return content.buttonHasFocus; }).buttonHasFocus);
+    return window;
 }
 
 UpdaterWindow WindowTest::openBusyWindow(const OpenGame& game) {

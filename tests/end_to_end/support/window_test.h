@@ -21,11 +21,8 @@ protected:
 
     UpdaterWindow openWindow(const UpdaterCommand& command);
 
-    /// Opens the window of a failing run and waits until its button is there.
+    /// Opens the window of a failing run and waits until its button has the focus.
     UpdaterWindow openFailedWindow();
-
-    /// Waits for the keyboard's focus: a press of a key goes to the button from then on.
-    static void expectFocusOnButton(UpdaterWindow& window);
 
     /// Opens the window of a run that keeps waiting for `game`, once it does.
     UpdaterWindow openBusyWindow(const OpenGame& game);
