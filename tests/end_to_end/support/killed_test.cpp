@@ -1,7 +1,10 @@
 #include "tests/end_to_end/support/killed_test.h"
 
+#include <chrono>
+#include <csignal>
 #include <fstream>
 #include <sstream>
+#include <vector>
 
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/programs.h"
@@ -11,6 +14,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr Milliseconds kRunLimit{120'000};
+constexpr Milliseconds kToolLimit{5'000};
 constexpr std::uint32_t kMoves = IN_MOVED_FROM | IN_MOVED_TO;
 constexpr std::uint32_t kAnything =
     kMoves | IN_OPEN | IN_CREATE | IN_DELETE | IN_MODIFY | IN_CLOSE_WRITE | IN_CLOSE_NOWRITE;
@@ -19,18 +23,19 @@ bool holds(const fs::path& file, const std::string& content) {
     return fs::is_regular_file(fs::symlink_status(file)) && readFile(file) == content;
 }
 
-/// A process that was told to end, or that its parent left behind, may still be at work.
-bool anyProcessNames(const std::string& text) {
+/// The processes with this text on their command lines.
+std::vector<pid_t> processesThatName(const std::string& text) {
+    std::vector<pid_t> found;
     for (const fs::directory_entry& process : fs::directory_iterator("/proc")) {
-        std::error_code gone;
-        if (!fs::exists(process.path() / "cmdline", gone) || process.path().filename() == "self") continue;
+        const std::string id = process.path().filename().string();
+        if (id.find_first_not_of("0123456789") != std::string::npos) continue;
         std::ifstream file(process.path() / "cmdline", std::ios::binary);
         // A process that ends meanwhile makes the reading fail, which this takes for the end of the words.
         std::ostringstream words;
         words << file.rdbuf();
-        if (words.str().find(text) != std::string::npos) return true;
+        if (words.str().find(text) != std::string::npos) found.push_back(std::stoi(id));
     }
-    return false;
+    return found;
 }
 
 }  // namespace
@@ -111,11 +116,17 @@ bool KilledTest::killAt(Source source, Clock clock, int moment) {
 }
 
 /// The archive tool may outlive the updater, and Wine's server may still be busy with the last request of either:
-/// it takes requests in turn, so it is done with them when it has served another program.
+/// it takes requests in turn, so it is done with them when it has served another program. A tool that was just being
+/// created is never let go, and has to be killed as well.
 void KilledTest::waitUntilQuiet() const {
+    const auto limit = std::chrono::steady_clock::now() + kToolLimit;
     bool done = false;
     while (!done) {
-        done = !anyProcessNames(scenario.root.filename().string());
+        const std::vector<pid_t> tools = processesThatName(scenario.root.filename().string());
+        done = tools.empty();
+        if (std::chrono::steady_clock::now() > limit)
+            for (const pid_t tool : tools)
+                kill(tool, SIGKILL);
         FileLock({});
     }
 }
