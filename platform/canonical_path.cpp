@@ -85,7 +85,7 @@ std::filesystem::path weaklyCanonicalPath(const std::filesystem::path& path, std
         failure.clear();
         const FileHandle file = openForItsName(existing, failure);
         if (file) {
-            // A volume without a letter is "not found" here; what exists was opened.
+            // Whatever this fails with, the folder is there: for a volume without a letter it is "path not found".
             const std::filesystem::path resolved = finalPath(file, failure);
             return rest.empty() || failure ? resolved : resolved / rest;
         }
