@@ -33,7 +33,7 @@ bool isCleanUp(const Outcome& outcome, const Call& call) {
 }
 
 bool isReport(const Outcome&, const Call& call) {
-    return keyOf(call.subject).ends_with("/transfer.txt");
+    return treeKeyOf(call.subject).ends_with("/transfer.txt");
 }
 
 bool isReparsePointTest(const Outcome&, const Call& call) {
@@ -52,7 +52,7 @@ bool isUnknownLength(const Outcome&, const Call& call) {
 /// A folder that cannot be created but is there.
 bool isExistingFolder(const Outcome& outcome, const Call& call) {
     if (call.operation != Operation::createFolder) return false;
-    const auto now = outcome.after.find(keyOf(call.subject));
+    const auto now = outcome.after.find(treeKeyOf(call.subject));
     return call.number > 0 && (now != outcome.after.end() || outcome.code == 0);
 }
 

@@ -26,20 +26,27 @@ SettingPointer beginningWith(const Setting& setting, const Machine& machine, Tre
 
 bool lacksMarker(const Tree& tree) {
     for (const std::string_view name : {kGameExecutableName, kUpdaterExecutableName, kManagedFileListName}) {
-        const auto found = tree.find(keyOf(place::kInstallation) + "/" + keyOf(name));
+        const auto found = tree.find(treeKeyOf(place::kInstallation) + "/" + treeKeyOf(name));
         if (found == tree.end() || !found->second.isFile()) return true;
     }
     return false;
 }
 
-bool isInstallationUntouched(const Outcome& outcome) {
-    const std::string workFolder = keyOf(place::kWorkFolder);
-    const auto isOutside = [&workFolder](const auto& entry) { return !isAtOrBelow(entry.first, workFolder); };
-    const Tree& before = outcome.scenario.setting->before;
+/// True when the files of one release are all in the installation.
+bool isWhole(const Release& release, const Tree& tree) {
+    return std::all_of(release.files.begin(), release.files.end(), [&tree](const ReleaseFile& file) {
+        const auto found = tree.find(treeKeyOf(place::kInstallation) + "/" + treeKeyOf(file.path));
+        return found != tree.end() && found->second.isFile() && *found->second.content == file.content;
+    });
+}
+
+/// True when everything outside the work folder is as it was.
+bool isUntouched(const Tree& before, const Tree& tree) {
+    const std::string workFolder = treeKeyOf(place::kWorkFolder);
     return std::all_of(before.begin(), before.end(), [&](const auto& entry) {
-        if (!isOutside(entry)) return true;
-        const auto now = outcome.after.find(entry.first);
-        return now != outcome.after.end() && same(entry.second, now->second);
+        if (isAtOrBelow(entry.first, workFolder)) return true;
+        const auto now = tree.find(entry.first);
+        return now != tree.end() && same(entry.second, now->second);
     });
 }
 
@@ -80,13 +87,12 @@ std::vector<Breach> Aftermath::brokenInvariants(const Outcome& outcome) {
     Question question;
     question.setting = setting;
     question.tree = fingerprintOf(tree);
-    question.release = outcome.end == Outcome::End::returned && saysNewRelease(outcome)
-                           ? setting->releases.offered.number
-                           : setting->releases.installed.number;
+    // The game tells the number of the release that is there.
+    const bool isNew = isWhole(setting->releases.offered, tree);
+    question.release = isNew ? setting->releases.offered.number : setting->arguments.currentRelease;
     question.mustComplete = changedByOthers(outcome).empty();
-    const bool isUnfinished = outcome.end != Outcome::End::returned || outcome.code == 27 || outcome.code == 28;
-    question.needsRecovery =
-        isUnfinished && !saysNewRelease(outcome) && question.mustComplete && !isInstallationUntouched(outcome);
+    const bool isFinished = outcome.end == Outcome::End::returned && saysNewRelease(outcome);
+    question.needsRecovery = !isFinished && !isNew && question.mustComplete && !isUntouched(setting->before, tree);
 
     // Settings that were drawn never come again.
     if (answers_.size() > kMostAnswers) {
@@ -130,10 +136,10 @@ void Aftermath::recovery(const Outcome& outcome, Machine machine, const Question
         breaches.push_back({std::string(invariant), key, what});
     };
     for (const std::string& path : recover(machine))
-        broken(keyOf(path), path + " cannot be brought back");
+        broken(treeKeyOf(path), path + " cannot be brought back");
     const Tree tree = treeOf(machine);
     for (const ReleaseFile& file : setting.releases.installed.files) {
-        const std::string key = keyOf(place::kInstallation) + "/" + keyOf(file.path);
+        const std::string key = treeKeyOf(place::kInstallation) + "/" + treeKeyOf(file.path);
         const auto before = setting.before.find(key);
         const auto now = tree.find(key);
         if (before != setting.before.end() && (now == tree.end() || !sameContent(before->second, now->second)))

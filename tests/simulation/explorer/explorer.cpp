@@ -104,7 +104,7 @@ void Explorer::report(const Finding& finding, std::size_t exploration, const Cho
     const std::optional<Finding> small = run(fewer);
     std::cout << "\n" << describe(small ? *small : finding);
     std::cout << "shrunk from " << choices.size() << " choices to " << fewer.size() << "; again: simulate --tape "
-              << textOf(fewer) << "\n"
+              << recordOf(fewer) << "\n"
               << std::endl;
 }
 

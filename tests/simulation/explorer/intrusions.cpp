@@ -59,7 +59,7 @@ std::vector<std::string> pathsOf(const Call& call) {
 
 /// The same place in the folders to which junctions lead.
 std::string elsewhere(std::string_view path) {
-    const bool isInstalled = isAtOrBelow(keyOf(path), keyOf(place::kInstallation));
+    const bool isInstalled = isAtOrBelow(treeKeyOf(path), treeKeyOf(place::kInstallation));
     return std::string(place::kElsewhere) +
            (isInstalled ? std::string(path.substr(place::kInstallation.size())) : std::string());
 }

@@ -12,7 +12,7 @@ namespace {
 using Keys = std::set<std::string, std::less<>>;
 
 std::string installed(std::string_view path) {
-    return keyOf(place::kInstallation) + "/" + keyOf(path);
+    return treeKeyOf(place::kInstallation) + "/" + treeKeyOf(path);
 }
 
 Keys keysOf(const Release& release) {
@@ -28,11 +28,11 @@ const Node* find(const Tree& tree, std::string_view key) {
 }
 
 std::string inFolder(std::string_view folder, std::string_view key) {
-    return keyOf(folder) + std::string(key.substr(place::kInstallation.size()));
+    return treeKeyOf(folder) + std::string(key.substr(place::kInstallation.size()));
 }
 
 bool isWorkFolder(std::string_view key) {
-    return isAtOrBelow(key, keyOf(place::kWorkFolder));
+    return isAtOrBelow(key, treeKeyOf(place::kWorkFolder));
 }
 
 std::string_view lastName(std::string_view path) {
@@ -84,10 +84,6 @@ private:
 
     bool changedPlaces() const {
         return outcome_.firstCallOf(kInstallingText) < outcome_.calls.size();
-    }
-
-    bool isNowhereInBetween() const {
-        return outcome_.end == Outcome::End::returned;
     }
 
     // A managed path may come and go; so may, while files change places, the folders that new files need.
@@ -188,7 +184,7 @@ private:
         if (outcome_.end != Outcome::End::returned || outcome_.code != 0) return;
         for (const Call& call : outcome_.calls)
             if (call.isHarmed && !mayBeAbsorbed(outcome_, call))
-                broken("5 reported", keyOf(call.subject), describe(call) + " was not reported");
+                broken("5 reported", treeKeyOf(call.subject), describe(call) + " was not reported");
     }
 
     void returned() {
@@ -239,13 +235,17 @@ bool changesTree(Intrusion::Kind kind) {
 
 }  // namespace
 
+std::vector<Breach> brokenInvariants(const Outcome& outcome, const DocumentedFailures& documented) {
+    return Judge(outcome, documented).judge();
+}
+
 std::vector<std::string> changedByOthers(const Outcome& outcome) {
     std::vector<std::string> changed;
     for (std::size_t i = 0; i < outcome.scenario.plan.size(); ++i) {
         const auto* intrusion = std::get_if<Intrusion>(&outcome.scenario.plan[i].action);
         if (intrusion == nullptr || outcome.timesMet[i] == 0 || !changesTree(intrusion->kind)) continue;
-        changed.push_back(keyOf(intrusion->path));
-        if (intrusion->kind == Intrusion::Kind::rename) changed.push_back(keyOf(intrusion->second));
+        changed.push_back(treeKeyOf(intrusion->path));
+        if (intrusion->kind == Intrusion::Kind::rename) changed.push_back(treeKeyOf(intrusion->second));
     }
     return changed;
 }

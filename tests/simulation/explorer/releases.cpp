@@ -149,6 +149,29 @@ ReleasePair sampleReleases() {
             .emptyFolders = {"screenshots"}};
 }
 
+ReleasePair swappableReleases() {
+    return {.installed = releaseOf(41,
+                                   {
+                                       {"data/changed.pak", "changed of 41"},
+                                       {"data/dropped.pak", "dropped of 41"},
+                                       {"data/kept.pak", "the same in both", true},
+                                       {"old/only.pak", "only of 41"},
+                                   }),
+            .offered = releaseOf(42,
+                                 {
+                                     {"data/changed.pak", "changed of 42"},
+                                     {"data/kept.pak", "the same in both", true},
+                                     {"data/levels/new.pak", "new of 42"},
+                                     {"Readme.txt", "readme of 42"},
+                                 }),
+            .players =
+                {
+                    {"data/players.pak", "a player's own"},
+                    {"saves/slot1.sav", "a player's save", true},
+                },
+            .emptyFolders = {"screenshots"}};
+}
+
 namespace {
 
 /// Draws the files of two releases, one after the other.
@@ -178,9 +201,9 @@ private:
 
     /// True when no file stands at, above or below the path, in any letter case.
     static bool isFree(const Files& files, std::string_view path) {
-        const std::string key = keyOf(path);
+        const std::string key = treeKeyOf(path);
         return std::none_of(files.begin(), files.end(), [&key](const ReleaseFile& file) {
-            const std::string other = keyOf(file.path);
+            const std::string other = treeKeyOf(file.path);
             return isAtOrBelow(key, other) || isAtOrBelow(other, key);
         });
     }
@@ -243,7 +266,7 @@ private:
         for (std::size_t i = tape_.upTo(3); i > 0; --i) {
             std::string path = pathFor(installed_);
             if (tape_.coin() && !offered_.empty()) path = tape_.anyOf(offered_).path;
-            if (isRequired(path) || keyOf(path) == keyOf(kReleaseMarkerName)) continue;
+            if (isRequired(path) || treeKeyOf(path) == treeKeyOf(kReleaseMarkerName)) continue;
             if (isFree(installed_, path) && isFree(players_, path))
                 players_.push_back({path, "a player's " + path, tape_.coin()});
         }

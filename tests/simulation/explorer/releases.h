@@ -75,6 +75,10 @@ struct ReleasePair {
 /// other letters and turns a file into a folder; a player has files beside them and where a new one goes.
 [[nodiscard]] ReleasePair sampleReleases();
 
+/// The same without what cannot be swapped back when the new game does not start: a file that becomes a folder, a name
+/// in other letters, a player's file where a new one goes.
+[[nodiscard]] ReleasePair swappableReleases();
+
 /// The fewest files with which every step of an update happens.
 [[nodiscard]] ReleasePair smallestReleases();
 

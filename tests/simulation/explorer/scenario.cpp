@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <optional>
 #include <sstream>
+#include <stdexcept>
 #include <utility>
 
-#include "platform/text.h"
 #include "update/release_channel.h"
 #include "updater/update_run.h"
 
@@ -50,6 +50,14 @@ void putSurroundings(Machine& machine, const ReleasePair& releases) {
     machine.files.putFile("C:/Games/Other/game.exe", contentOf("MZ another game"));
 }
 
+/// Sentences are plain ASCII; anything else would not be found in the document.
+std::string narrow(const std::wstring& text) {
+    std::string narrow;
+    for (const wchar_t c : text)
+        narrow.push_back(c < 0x80 ? static_cast<char>(c) : '?');
+    return narrow;
+}
+
 std::string channelObject(const Machine& machine) {
     for (const auto& [address, answer] : machine.internet.answers)
         if (address.find(kObjectNamePrefix) != std::string::npos) return address;
@@ -83,12 +91,16 @@ SettingPointer settingOf(ReleasePair releases, Way way, Profile profile, bool ha
     else
         putChannel(machine, offer);
     if (way == Way::completeOverHttps) machine.internet.answers.erase(channelObject(machine));
-    if (way == Way::relaunchFails) machine.processes.programs["vorthmere.exe"].startError = error::notAProgram;
     setting->arguments = argumentsOf(way, way == Way::current ? releases.offered.number : releases.installed.number);
+    ProgramBehaviour& game = machine.processes.programs["vorthmere.exe"];
     if (hasRunningGame) {
-        machine.processes.programs["vorthmere.exe"].runsForMs = kGameEndsAfterMs;
-        setting->arguments.parentProcessId = machine.processes.put(machine.files, kGame, place::kInstallation);
+        game.runsForMs = kGameEndsAfterMs;
+        const Error fault = machine.processes.start(machine.files, kGame, kGame, place::kInstallation, 0,
+                                                    setting->arguments.parentProcessId);
+        if (fault != error::none) throw std::logic_error("The game of a scenario does not start.");
+        game.runsForMs.reset();
     }
+    if (way == Way::relaunchFails) game.startError = error::notAProgram;
     machine.files.flushAll();
     setting->before = treeOf(machine);
     setting->releases = std::move(releases);
@@ -102,7 +114,8 @@ Scenario Scenario::with(Trigger trigger, Action action) const {
 }
 
 std::size_t Outcome::firstCallOf(std::wstring_view text) const {
-    const auto found = std::find_if(steps.begin(), steps.end(), [text](const Step& step) { return step.text == text; });
+    const auto found =
+        std::find_if(steps.begin(), steps.end(), [text](const ReportedStep& step) { return step.text == text; });
     return found == steps.end() ? calls.size() : found->firstCall;
 }
 
@@ -126,7 +139,7 @@ void run(Gate& gate, Arguments arguments, Outcome& outcome) {
         outcome.exception = fault.what();
     }
     if (gate.machine().isFrozen()) outcome.end = Outcome::End::crashed;
-    outcome.sentence = toUtf8(error);
+    outcome.sentence = narrow(error);
 }
 
 }  // namespace

@@ -56,7 +56,7 @@ struct Scenario {
 [[nodiscard]] std::string describe(const Scenario& scenario);
 
 /// A step of the run that was reported.
-struct Step {
+struct ReportedStep {
     std::wstring text;
     std::size_t firstCall = 0;  ///< number of the next call
 };
@@ -71,7 +71,7 @@ struct Outcome {
     std::string sentence;   ///< the error text
     std::string exception;  ///< when it threw: what(), or the path of its status query
     std::vector<Call> calls;
-    std::vector<Step> steps;
+    std::vector<ReportedStep> steps;
     std::vector<std::size_t> timesMet;  ///< of each planned action
     std::vector<Error> answers;         ///< what each intruder was told
     std::vector<std::string> openHandles;

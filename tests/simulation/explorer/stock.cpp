@@ -4,7 +4,7 @@ namespace vorthmere::update::simulation {
 
 const SettingPointer& Stock::setting(Way way, Profile profile) {
     SettingPointer& setting = settings_[{way, profile}];
-    if (!setting) setting = settingOf(sampleReleases(), way, profile);
+    if (!setting) setting = settingOf(way == Way::relaunchFails ? swappableReleases() : sampleReleases(), way, profile);
     return setting;
 }
 

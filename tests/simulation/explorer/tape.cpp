@@ -5,7 +5,7 @@
 
 namespace vorthmere::update::simulation {
 
-std::string textOf(const Choices& choices) {
+std::string recordOf(const Choices& choices) {
     std::string text;
     for (const std::uint32_t choice : choices)
         text += (text.empty() ? "" : ".") + std::to_string(choice);

@@ -14,7 +14,7 @@ namespace vorthmere::update::simulation {
 /// A record of choices: "2.0.143.1" repeats exactly what was done with it.
 using Choices = std::vector<std::uint32_t>;
 
-[[nodiscard]] std::string textOf(const Choices& choices);
+[[nodiscard]] std::string recordOf(const Choices& choices);
 
 /// Nothing for a text that is no record.
 [[nodiscard]] std::optional<Choices> choicesOf(std::string_view text);

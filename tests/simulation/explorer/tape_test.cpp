@@ -51,7 +51,7 @@ TEST(Tape, ReplaysWhatItTook) {
     Tape drawn({}, 7);
     for (const std::size_t most : {3U, 100U, 1U, 7U})
         static_cast<void>(drawn.upTo(most));
-    const std::optional<Choices> record = choicesOf(textOf(drawn.taken()));
+    const std::optional<Choices> record = choicesOf(recordOf(drawn.taken()));
     ASSERT_TRUE(record);
     Tape replayed(*record);
     for (const std::size_t most : {3U, 100U, 1U, 7U})

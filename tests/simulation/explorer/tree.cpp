@@ -40,7 +40,7 @@ bool same(const Node& left, const Node& right) {
     return left.path == right.path && left.attributes == right.attributes && sameContent(left, right);
 }
 
-std::string keyOf(std::string_view path) {
+std::string treeKeyOf(std::string_view path) {
     std::string key(path);
     std::transform(key.begin(), key.end(), key.begin(), [](char c) { return c == '\\' ? '/' : smallLetter(c); });
     return key;
@@ -58,7 +58,7 @@ std::string_view parentOf(std::string_view key) {
 Tree treeOf(const Machine& machine) {
     Tree tree;
     for (EntryView& view : machine.files.entries()) {
-        std::string key = keyOf(view.path);
+        std::string key = treeKeyOf(view.path);
         tree.emplace(std::move(key), Node{std::move(view.path), view.attributes, std::move(view.linkTarget),
                                           view.isFolder() ? nullptr : std::move(view.content)});
     }

@@ -31,7 +31,7 @@ using Tree = std::map<std::string, Node, std::less<>>;
 [[nodiscard]] Tree treeOf(const Machine& machine);
 
 /// A path in small letters, as trees are ordered by.
-[[nodiscard]] std::string keyOf(std::string_view path);
+[[nodiscard]] std::string treeKeyOf(std::string_view path);
 
 /// True when `path` is `folder` or lies below it; both are keys.
 [[nodiscard]] bool isAtOrBelow(std::string_view path, std::string_view folder);

@@ -34,9 +34,9 @@ bool isFailure(const Call& call) {
 }
 
 bool relativeKeyOf(std::string_view path, std::string& relative) {
-    const std::string key = keyOf(path);
+    const std::string key = treeKeyOf(path);
     for (const std::string_view folder : {place::kBackup, place::kStaging, place::kInstallation}) {
-        const std::string root = keyOf(folder);
+        const std::string root = treeKeyOf(folder);
         if (!isAtOrBelow(key, root)) continue;
         relative = key.substr(std::min(key.size(), root.size() + 1));
         return true;
