@@ -36,6 +36,7 @@ struct ArchiveToolBehaviour {
     Error startError = error::none;
     std::string alsoPrints;                 ///< before its listing or its work, for instance a warning
     std::size_t alsoPrintsBytes = 0;        ///< so many bytes more, in lines
+    bool makesLinks = false;                ///< it has the privilege
     bool neverEnds = false;                 ///< it waits for ever once its work is done
     std::optional<std::uint32_t> exitCode;  ///< instead of the one that it would have
 };
@@ -61,17 +62,28 @@ public:
     }
 
 private:
-    bool open(FileSystem& files, std::string& output);
+    enum class Stage { begin, list, unpack, fill, ended };
+
+    void begin(FileSystem& files, std::string& output);
     void list(std::string& output);
     void unpackNext(FileSystem& files, std::string& output);
+    void fill(FileSystem& files, std::string& output);
+    void createFile(FileSystem& files, const PackagedEntry& entry, const std::string& path, std::string& output);
+    bool createFolders(FileSystem& files, const std::string& folder);
+    void complain(std::string& output, std::string_view sentence);
+    void fail(std::string& output, std::string_view sentence);
+    void finish(std::string& output);
 
-    enum class Stage { begin, list, unpack, fill, ended };
     ArchiveToolBehaviour behaviour_;
     std::vector<std::string> arguments_;
     std::vector<PackagedEntry> entries_;
+    std::string folder_;
+    std::string unpacked_;
     std::size_t next_ = 0;
-    std::uint32_t openFile_ = 0;
+    HandleId package_ = 0;
+    HandleId file_ = 0;
     Stage stage_ = Stage::begin;
+    bool isWhole_ = true;
     bool waitsForEver_ = false;
     std::uint32_t exitCode_ = 0;
 };

@@ -35,6 +35,7 @@ struct Entry {
     std::size_t images = 0;    ///< processes that run it
     bool isNamed = true;       ///< its folder lists it
     bool isDeletePending = false;
+    bool isForgotten = false;       ///< neither a name nor a holder is left
     std::vector<EntryId> children;  ///< ordered by key
 
     [[nodiscard]] bool isFolder() const {
@@ -48,6 +49,7 @@ struct Entry {
 /// One volume. All of this may be changed at any time.
 struct Volume {
     std::string name = "C:";  ///< "C:", or "//server/share"
+    std::string finalName;    ///< what final paths begin with instead, for a subst letter
     EntryId root = kNoEntry;
     bool isPresent = true;
     Error absentOpening = error::pathNotFound;  ///< what an opening is told while the volume is away
@@ -94,7 +96,9 @@ public:
     /// Gives back the room of an entry without a name.
     void forget(EntryId id);
 
-    /// @return false when the volume has no room for it; nothing is changed then
+    /// Nothing is changed when the volume has no room for it.
+    ///
+    /// @return false without room
     bool replaceContent(EntryId id, Content content);
 
     [[nodiscard]] bool hasRoom(std::size_t volume, std::uint64_t bytes) const {
@@ -104,12 +108,16 @@ public:
     /// "C:/Games/Kelvane/data/a.pak"; a root is "C:/". The last known path for an entry without a name.
     [[nodiscard]] std::string pathOf(EntryId id) const;
 
+    /// True also for the folder itself.
     [[nodiscard]] bool isBelow(EntryId id, EntryId folder) const;
     [[nodiscard]] std::size_t count() const {
         return entries_.size();
     }
 
 private:
+    [[nodiscard]] std::vector<EntryId>::const_iterator place(EntryId folder, std::string_view name) const;
+    void link(EntryId id, EntryId folder, std::string_view name);
+
     std::vector<Entry> entries_;
     std::vector<Volume> volumes_;
 };

@@ -102,6 +102,8 @@ public:
     Error write(HandleId file, std::string_view bytes);
     Error flush(HandleId file);
     Error close(HandleId file);
+    /// What was written to a file last never reached its medium: its second half is gone.
+    void loseHalf(HandleId file);
 
     // What other programs also do.
     /// @param create makes the file when it is missing
@@ -137,6 +139,8 @@ public:
     void putReparsePoint(std::string_view path, std::uint32_t reparseTag, std::string_view target, bool isFolder);
     void erase(std::string_view path);
     void refuse(std::string_view path, Error refusal);
+    /// kNoEntry when nothing is there; a link is itself.
+    [[nodiscard]] EntryId entryOf(std::string_view path) const;
     [[nodiscard]] std::optional<EntryView> find(std::string_view path) const;
     [[nodiscard]] std::vector<EntryView> entriesBelow(std::string_view folder) const;
     /// Everything on all volumes, each folder before its content, by name.
@@ -151,7 +155,49 @@ public:
     void losePower(const std::vector<Fate>& fates);
 
 private:
-    friend class Lookup;
+    /// Where a path leads.
+    struct Place {
+        Error error = error::none;  ///< 2 when only the entry itself is missing, 3 when its folder is
+        EntryId entry = kNoEntry;
+        EntryId folder = kNoEntry;  ///< set when the entry could be made in it; no folder for a root
+        std::string name;           ///< the last component, as it was asked for
+        bool isDevice = false;
+        bool endsInSeparator = false;
+    };
+    enum class Links { follow, keep };  // of the last component; those before are always followed
+
+    [[nodiscard]] Place locate(std::string_view path, Links links) const;
+    [[nodiscard]] Error walk(const std::string& fullPath, std::size_t volumeLength, Links links, Place& place,
+                             std::string& redirected) const;
+    void finishPlace(Place& place) const;
+    [[nodiscard]] std::size_t volumeNamed(std::string_view name) const;
+    [[nodiscard]] std::string pathBehindLink(EntryId link, std::string_view rest) const;
+
+    [[nodiscard]] Error openingError(EntryId entry, unsigned access, unsigned sharing) const;
+    [[nodiscard]] Error removalError(EntryId entry) const;
+    [[nodiscard]] Error overwritingError(EntryId entry, unsigned sharing) const;
+    [[nodiscard]] Error replacingError(EntryId from, EntryId to) const;
+    [[nodiscard]] Error creationError(const Place& place) const;
+    [[nodiscard]] bool isHeld(EntryId entry) const;
+    [[nodiscard]] bool isAnyHeldBelow(EntryId folder) const;
+    [[nodiscard]] bool isLocked(EntryId entry, HandleId by, std::uint64_t begin, std::uint64_t end) const;
+    [[nodiscard]] std::string currentFolder() const;
+
+    Error moveToOtherVolume(std::string_view from, std::string_view to, EntryId source);
+    Error moveOnto(EntryId source, const Place& target);
+    Error openCopyTarget(const Place& place, bool overwrite, EntryId source, EntryId& target);
+    Error fillCopy(EntryId source, EntryId target, Extent extent);
+    Error makeFile(const Place& place, EntryId& created);
+    [[nodiscard]] Error handleError(const OpenFile& file) const;
+    void remove(EntryId entry);
+    void removeIfLetGo(EntryId entry);
+    HandleId hold(EntryId entry, unsigned access, unsigned sharing, std::string_view path);
+    [[nodiscard]] OpenFile* findOpen(HandleId id);
+    [[nodiscard]] EntryView viewOf(EntryId entry) const;
+    void collect(EntryId folder, std::vector<EntryView>& views) const;
+    EntryId folderFor(std::string_view path, std::string& name);
+    EntryId put(std::string_view path, std::uint32_t attributes);
+
     std::vector<OpenFile> files_;
     std::vector<Lock> locks_;
     std::map<ProcessId, std::string> currentFolders_;

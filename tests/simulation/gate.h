@@ -153,13 +153,13 @@ public:
 
     /// How often the n-th action of the plan happened.
     [[nodiscard]] std::size_t timesMet(std::size_t n) const {
-        return timesMet_[n];
+        return progress_[n].met;
     }
     [[nodiscard]] bool metAll() const;
 
     /// What Windows told the other program at the n-th action of the plan; only for an Intrusion that was met.
     [[nodiscard]] Error answerTo(std::size_t n) const {
-        return answers_[n];
+        return progress_[n].answer;
     }
 
     [[nodiscard]] Machine& machine() {
@@ -170,26 +170,36 @@ public:
 
     struct Verdict {
         const Fault* fault = nullptr;   ///< harms this call
-        Extent extent = Extent::whole;  ///< what to do of it
-        bool ends = false;              ///< the process ends with this call
+        Extent extent = Extent::whole;  ///< how much of the call is done
+        const Action* end = nullptr;    ///< a Kill or a PowerLoss at this call
     };
-    Verdict before(Operation operation, std::string subject, std::string second);
-    /// @param mayThrow false for closings
-    /// @throws Crashed when the process ends with this call
-    void after(const Verdict& verdict, std::uint32_t result, bool mayThrow);
+    [[nodiscard]] Verdict before(Operation operation, std::string subject, std::string second);
+
+    /// Writes down the result, and ends the process when the verdict says so.
+    ///
+    /// @return false when the process has ended
+    bool after(const Verdict& verdict, std::uint32_t result);
 
 private:
-    [[nodiscard]] bool matches(const Trigger& trigger, const Call& call, std::size_t& seen) const;
-    void end(const Action& action);
+    /// The calls that a fault for good goes on to harm.
+    struct Lasting {
+        bool isOn = false;
+        Operation operation = Operation::lastFailure;
+        std::string subject;
+    };
+    struct Progress {
+        std::size_t seen = 0;
+        std::size_t met = 0;
+        Error answer = error::none;
+        Lasting lasting;
+    };
+    [[nodiscard]] static bool isDue(const Trigger& trigger, const Call& call, Progress& progress);
+    void decide(const Action& action, const Call& call, Progress& progress, Verdict& verdict);
 
     Machine& machine_;
     Plan plan_;
-    std::vector<std::size_t> seen_;
-    std::vector<std::size_t> timesMet_;
-    std::vector<Error> answers_;
-    std::vector<std::string> lastingSubjects_;
+    std::vector<Progress> progress_;
     std::vector<Call> calls_;
-    const Action* ending_ = nullptr;
 };
 
 /// While it lives, the calls of platform/ in this program go through this gate. One at a time.

@@ -53,7 +53,6 @@ public:
     static bool crack(std::string_view address, Address& parts);
 
     HandleId openSession();
-    void setTimeouts(HandleId session, int resolve, int connect, int send, int receive);
     HandleId connectTo(HandleId session, std::string_view host, std::uint16_t port);
     HandleId createSecureGet(HandleId connection, std::string_view objectName);
     void disableRedirects(HandleId request);
@@ -76,7 +75,6 @@ private:
     struct Handle {
         HandleId id = 0;
         Kind kind = Kind::session;
-        HandleId parent = 0;
         std::string address;
         SentRequest request;
         bool isSent = false;
@@ -85,6 +83,7 @@ private:
         std::uint64_t position = 0;
     };
     Handle* find(HandleId id, Kind kind);
+    Handle* answered(HandleId request);
     HandleId add(Handle handle);
     bool fail(Error error);
 

@@ -64,8 +64,6 @@ public:
     /// How many steps each running archive tool takes at each call of the caller, besides those that it is waited for.
     std::size_t stepsAlongside = 0;
 
-    explicit Processes() = default;
-
     /// @param files where it runs; every call is given the same
     Error start(FileSystem& files, std::string_view program, std::string_view commandLine,
                 std::string_view workingFolder, HandleId output, ProcessId& started);
@@ -89,6 +87,8 @@ public:
     Error readPipe(FileSystem& files, HandleId readEnd, char* buffer, std::size_t size, std::size_t& count);
     Error closePipe(HandleId end);
 
+    /// The program of a process that somebody has open.
+    [[nodiscard]] std::string nameOf(HandleId process) const;
     [[nodiscard]] const Process* find(ProcessId id) const;
     [[nodiscard]] std::vector<ProcessId> running() const;
     [[nodiscard]] std::vector<ProcessId> runningChildrenOf(ProcessId parent) const;
@@ -103,14 +103,23 @@ private:
         std::size_t pipe = 0;
         bool writes = false;
     };
-    struct ProcessHandleOf {
+    struct ProcessHandle {
         HandleId id = 0;
         ProcessId process = 0;
     };
+    [[nodiscard]] Process* at(ProcessId id);
+    [[nodiscard]] const ProcessHandle* handle(HandleId id) const;
+    [[nodiscard]] const PipeEnd* pipeEnd(HandleId id) const;
+    Process& add(std::string_view program);
+    void behave(FileSystem& files, Process& process, const ProgramBehaviour& behaviour);
+    bool stepTool(FileSystem& files, Process& process);
+    bool helpWriterOf(FileSystem& files, std::size_t pipe);
+    void letTimePass(FileSystem& files, std::uint64_t untilMs);
+
     std::vector<Process> processes_;
-    std::vector<SimulatedPipe> pipes_;
+    std::vector<SimulatedPipe> pipes_{1};  // the first stands for "nowhere"
     std::vector<PipeEnd> pipeEnds_;
-    std::vector<ProcessHandleOf> handles_;
+    std::vector<ProcessHandle> handles_;
     ProcessId nextProcess_ = 1000;
     HandleId nextHandle_ = 0x800000;
 };

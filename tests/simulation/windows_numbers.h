@@ -21,6 +21,7 @@ inline constexpr Error pathNotFound = 3;
 inline constexpr Error accessDenied = 5;
 inline constexpr Error invalidHandle = 6;
 inline constexpr Error notSameDevice = 17;
+inline constexpr Error writeProtected = 19;
 inline constexpr Error notReady = 21;
 inline constexpr Error generalFailure = 31;
 inline constexpr Error sharingViolation = 32;
@@ -36,14 +37,17 @@ inline constexpr Error alreadyExists = 183;
 inline constexpr Error notAProgram = 193;
 inline constexpr Error nameTooLong = 206;
 inline constexpr Error notADirectory = 267;
+inline constexpr Error waitTimedOut = 258;
 inline constexpr Error userMappedFile = 1224;
 inline constexpr Error linkCannotBeAccessed = 1920;
 inline constexpr Error linkCannotBeResolved = 1921;
 inline constexpr Error timedOut = 12002;
+inline constexpr Error unknownScheme = 12006;
 inline constexpr Error nameNotResolved = 12007;
 inline constexpr Error cannotConnect = 12029;
 inline constexpr Error connectionBroken = 12030;
 inline constexpr Error wrongHandleType = 12018;
+inline constexpr Error wrongHandleState = 12019;
 inline constexpr Error headerNotFound = 12150;
 }  // namespace error
 
