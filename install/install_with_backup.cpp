@@ -6,8 +6,11 @@
 #include <string_view>
 #include <system_error>
 
-#include "platform/file_operations.h"
-#include "platform/file_status.h"
+#include "files/file_changes.h"
+#include "files/file_status.h"
+#include "files/reparse_point.h"
+#include "platform/changes.h"
+#include "update/failing.h"
 
 namespace vorthmere::update {
 namespace {
@@ -23,10 +26,8 @@ struct Installation {
     Paths installed;
 };
 
-bool moveFile(const std::filesystem::path& from, const std::filesystem::path& to, std::string_view path) {
-    std::error_code failure;
-    renameFile(from / path, to / path, failure);
-    return !failure;
+bool moveBetween(const std::filesystem::path& from, const std::filesystem::path& to, std::string_view path) {
+    return !moveFile(from / path, to / path);
 }
 
 /// Makes the parent folders of files below one folder. Neighbours in a list mostly share theirs, and the platform takes
@@ -38,9 +39,8 @@ public:
     bool create(std::string_view path) {
         const std::string_view parent = path.substr(0, path.find_last_of('/') + 1);
         if (last_ == parent) return true;
-        std::error_code failure;
-        createFolders((folder_ / path).parent_path(), failure);
-        if (failure) return false;
+        std::vector<std::filesystem::path> created;
+        if (createFolders((folder_ / path).parent_path(), created)) return false;
         last_ = parent;
         return true;
     }
@@ -51,24 +51,20 @@ private:
 };
 
 bool vacate(Installation& installation, const Paths& pathsToVacate, const Paths& pathsToInstall, std::wstring& error) {
-    const auto fail = [&error](std::wstring_view sentence) {
-        error = sentence;
-        return false;
-    };
     std::set<std::string_view> affected(pathsToVacate.begin(), pathsToVacate.end());
     affected.insert(pathsToInstall.begin(), pathsToInstall.end());
 
     ParentFolders backupFolders(installation.backup);
     for (const std::string_view path : affected) {
         if (!isFreeOfReparsePoints(installation.folder, path))
-            return fail(L"The installation contains a reparse point in a managed path.");
+            return fail(error, L"The installation contains a reparse point in a managed path.");
         const std::filesystem::path installed = installation.folder / path;
         if (fileTypeOrThrow(installed, "exists") == FileType::notFound) continue;
         if (fileTypeOrThrow(installed, "status") != FileType::regular)
-            return fail(L"A managed installation path is not a regular file.");
-        if (!backupFolders.create(path)) return fail(L"Unable to prepare the update backup.");
-        if (!moveFile(installation.folder, installation.backup, path))
-            return fail(L"Unable to back up the current installation.");
+            return fail(error, L"A managed installation path is not a regular file.");
+        if (!backupFolders.create(path)) return fail(error, L"Unable to prepare the update backup.");
+        if (!moveBetween(installation.folder, installation.backup, path))
+            return fail(error, L"Unable to back up the current installation.");
         installation.backedUp.emplace_back(path);
     }
     return true;
@@ -77,14 +73,9 @@ bool vacate(Installation& installation, const Paths& pathsToVacate, const Paths&
 bool moveIn(Installation& installation, const Paths& pathsToInstall, std::wstring& error) {
     ParentFolders installedFolders(installation.folder);
     for (const std::string& path : pathsToInstall) {
-        if (!installedFolders.create(path)) {
-            error = L"Unable to prepare an updated installation folder.";
-            return false;
-        }
-        if (!moveFile(installation.source, installation.folder, path)) {
-            error = L"Unable to install an updated game file.";
-            return false;
-        }
+        if (!installedFolders.create(path)) return fail(error, L"Unable to prepare an updated installation folder.");
+        if (!moveBetween(installation.source, installation.folder, path))
+            return fail(error, L"Unable to install an updated game file.");
         installation.installed.push_back(path);
     }
     return true;
@@ -93,13 +84,12 @@ bool moveIn(Installation& installation, const Paths& pathsToInstall, std::wstrin
 // The reverse order removes a file before the one that it replaced returns. Going on behind a failure saves what can be
 // saved; the failure that led here is the one worth reporting.
 void rollBack(const Installation& installation) {
-    std::error_code ignored;
     for (auto path = installation.installed.rbegin(); path != installation.installed.rend(); ++path)
-        removeFile(installation.folder / *path, ignored);
+        static_cast<void>(removeFile(installation.folder / *path));
     ParentFolders installedFolders(installation.folder);
     for (auto path = installation.backedUp.rbegin(); path != installation.backedUp.rend(); ++path) {
         installedFolders.create(*path);
-        moveFile(installation.backup, installation.folder, *path);
+        moveBetween(installation.backup, installation.folder, *path);
     }
 }
 

@@ -4,8 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/reparse_point.h"
-
 namespace vorthmere::update {
 
 /// Moves the managed files of the installation aside and the new ones in, or leaves all as it was.
