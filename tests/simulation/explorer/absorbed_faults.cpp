@@ -2,12 +2,19 @@
 
 #include <algorithm>
 
+#include "platform/failure.h"
 #include "tests/simulation/explorer/invariants.h"
+#include "update/timetable.h"
 
 namespace vorthmere::update::simulation {
 namespace {
 
-constexpr std::wstring_view kPreparingCompleteText = L"Preparing the complete update package...";
+const std::wstring kPreparingCompleteText(timetable::preparingCompletePackage.text);
+const std::wstring kCheckingInstalledText(timetable::checkingInstalledFiles.text);
+
+bool isNotFound(std::uint32_t error) {
+    return update::isNotFound(failureOf(error));
+}
 
 bool isClosing(const Call& call) {
     switch (call.operation) {
@@ -50,10 +57,40 @@ bool isUnknownLength(const Outcome&, const Call& call) {
 }
 
 /// A folder that cannot be created but is there.
-bool isExistingFolder(const Outcome& outcome, const Call& call) {
-    if (call.operation != Operation::createFolder) return false;
-    const auto now = outcome.after.find(treeKeyOf(call.subject));
-    return call.number > 0 && (now != outcome.after.end() || outcome.code == 0);
+bool isExistingFolder(const Outcome&, const Call& call) {
+    return call.operation == Operation::createFolder;
+}
+
+/// From the step that checks what is installed to the first file that is staged.
+bool isCheckOfInstalledFiles(const Outcome& outcome, const Call& call) {
+    const std::size_t first = outcome.firstCallOf(kCheckingInstalledText);
+    if (call.number < first) return false;
+    return std::none_of(outcome.calls.begin() + static_cast<std::ptrdiff_t>(first),
+                        outcome.calls.begin() + static_cast<std::ptrdiff_t>(call.number), [](const Call& earlier) {
+                            return earlier.operation == Operation::createFolder ||
+                                   earlier.operation == Operation::copyFile;
+                        });
+}
+
+bool isEndOrPart(const Outcome& outcome, const Call& call) {
+    const bool isReading = call.operation == Operation::readBytes || call.operation == Operation::readData ||
+                           call.operation == Operation::queryDataAvailable;
+    if (!isReading) return false;
+    return std::any_of(outcome.scenario.plan.begin(), outcome.scenario.plan.end(), [](const PlannedAction& planned) {
+        const auto* fault = std::get_if<Fault>(&planned.action);
+        return fault != nullptr && fault->error == 0;
+    });
+}
+
+/// What was to be removed from the work folder and is not there.
+bool isVanished(const Outcome&, const Call& call) {
+    const bool isRemoval = call.operation == Operation::deleteFile || call.operation == Operation::removeEmptyFolder ||
+                           call.operation == Operation::listFolder;
+    return isRemoval && isNotFound(call.result) && isAtOrBelow(treeKeyOf(call.subject), treeKeyOf(place::kWorkFolder));
+}
+
+bool isFinalName(const Outcome&, const Call& call) {
+    return call.operation == Operation::openForItsName && isNotFound(call.result);
 }
 
 }  // namespace
@@ -69,6 +106,10 @@ const std::vector<AbsorbedFault>& absorbedFaults() {
         {"request settings", "the request is as safe without them", isSettingOfRequest},
         {"unknown length", "a body without one is read to its end", isUnknownLength},
         {"existing folder", "a folder that is there is what was asked for", isExistingFolder},
+        {"check of installed files", "what cannot be read counts as changed and is fetched", isCheckOfInstalledFiles},
+        {"end of a file", "short content fails its digest or its parser; the rest of a part comes next", isEndOrPart},
+        {"vanished", "what is not there need not be removed; invariant 3 looks at what stays", isVanished},
+        {"final name", "a part of a path that is not there is taken as it is written", isFinalName},
     };
     return faults;
 }

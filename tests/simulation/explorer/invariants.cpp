@@ -130,8 +130,10 @@ private:
 
     void told() {
         if (outcome_.end == Outcome::End::returned && saysNewRelease(outcome_)) {
-            if (setting_.way != Way::current) return newReleaseIsWhole();
-            return nothingChanged(true);
+            if (setting_.way == Way::current) return nothingChanged(true);
+            newReleaseIsWhole();
+            if (outcome_.code == 0) backupIsExact();
+            return;
         }
         const bool mayBeBetween = outcome_.end != Outcome::End::returned && changedPlaces();
         if (!mayBeBetween) nothingChanged(false);
@@ -152,6 +154,18 @@ private:
             if (!new_.contains(key) && !newFolders_.contains(key) && !isOthers(key) &&
                 !(mayBeExplained && wayBack_.explains(key)) && outcome_.after.contains(key))
                 broken("3 told", key, key + " of the old release is still there");
+    }
+
+    // What else lay there would come back with a recovery.
+    void backupIsExact() {
+        const std::string folder = treeKeyOf(place::kBackup) + "/";
+        for (const auto& [key, node] : outcome_.after) {
+            if (!node.isFile() || !key.starts_with(folder) || isOthers(key)) continue;
+            const std::string original = installed(key.substr(folder.size()));
+            const Node* before = find(setting_.before, original);
+            if (!isOthers(original) && (before == nullptr || !isManaged(original) || !sameContent(*before, node)))
+                broken("3 told", key, node.path + " is in the backup and was not replaced");
+        }
     }
 
     void nothingChanged(bool workFolderToo) {

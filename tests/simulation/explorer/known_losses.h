@@ -8,8 +8,8 @@
 
 namespace vorthmere::update::simulation {
 
-/// A breach of the invariants that is known and stays. It has to go on happening: one that no longer does is to be
-/// taken off the list.
+/// Something that is lost under a fault, is known, and stays. It has to go on happening: a loss that no longer does is
+/// to be taken off the list.
 struct KnownLoss {
     std::string_view name;
     std::string_view document;  ///< what says so to the people concerned
@@ -18,8 +18,8 @@ struct KnownLoss {
     /// True when a breach of this outcome is this loss.
     bool (*explains)(const Outcome& outcome, const Breach& breach);
 
-    /// A scenario in which it happens.
-    Scenario (*example)();
+    /// Plays a scenario in which it happens. False when it no longer does.
+    bool (*happens)();
 };
 
 [[nodiscard]] const std::vector<KnownLoss>& knownLosses();

@@ -27,10 +27,6 @@ std::string inventoryOf(const Release& release, const std::string& package) {
     return text;
 }
 
-std::string objectNameOf(const std::string& content) {
-    return std::string(kObjectNamePrefix) + sha256TextOf(content) + std::string(kObjectNameSuffix);
-}
-
 bool isRequired(std::string_view path) {
     return path == kManagedFileListName || path == kUpdaterExecutableName || path == kGameExecutableName;
 }
@@ -78,7 +74,7 @@ Offer offerOf(const Release& release) {
     offer.inventory = inventoryOf(release, offer.package);
     std::set<std::string> names;
     for (const ReleaseFile& file : release.files) {
-        std::string name = objectNameOf(file.content);
+        std::string name = objectName(sha256TextOf(file.content));
         if (names.insert(name).second) offer.objects.push_back({std::move(name), file.content});
     }
     return offer;
@@ -100,7 +96,6 @@ void putLocalOffer(Machine& machine, const Offer& offer) {
 }
 
 void putChannel(Machine& machine, const Offer& offer) {
-    const std::string base(kDownloadBaseUrl);
     const auto answer = [&machine](const std::string& address, const std::string& body) {
         Answer given;
         given.body = contentOf(body);
@@ -108,11 +103,11 @@ void putChannel(Machine& machine, const Offer& offer) {
     };
     const std::size_t url = offer.manifest.find("url=") + 4;
     const std::string package = offer.manifest.substr(url, offer.manifest.find('\n', url) - url);
-    answer(base + std::string(kManifestName), offer.manifest);
+    answer(channelAddress(kManifestName), offer.manifest);
     answer(package, offer.package);
-    answer(package + std::string(kInventorySuffix), offer.inventory);
+    answer(inventoryAddress(package), offer.inventory);
     for (const Offer::Object& object : offer.objects)
-        answer(base + object.name, object.content);
+        answer(channelAddress(object.name), object.content);
 }
 
 ReleasePair smallestReleases() {

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "update/release_channel.h"
+#include "update/text.h"
 #include "updater/update_run.h"
 
 namespace vorthmere::update::simulation {
@@ -48,14 +49,6 @@ void putSurroundings(Machine& machine, const ReleasePair& releases) {
     putFiles(machine, place::kElsewhere, releases.installed.files);
     machine.files.putFile(std::string(place::kElsewhere) + "/data/kept elsewhere.txt", contentOf("kept elsewhere"));
     machine.files.putFile("C:/Games/Other/game.exe", contentOf("MZ another game"));
-}
-
-/// Sentences are plain ASCII; anything else would not be found in the document.
-std::string narrow(const std::wstring& text) {
-    std::string narrow;
-    for (const wchar_t c : text)
-        narrow.push_back(c < 0x80 ? static_cast<char>(c) : '?');
-    return narrow;
 }
 
 std::string channelObject(const Machine& machine) {

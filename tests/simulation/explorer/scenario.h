@@ -12,6 +12,7 @@
 #include "tests/simulation/gate.h"
 #include "tests/simulation/machine.h"
 #include "update/arguments.h"
+#include "update/timetable.h"
 
 namespace vorthmere::update::simulation {
 
@@ -89,7 +90,7 @@ struct Outcome {
 [[nodiscard]] Outcome play(const Scenario& scenario);
 
 /// What the run says when it begins to change the installation, and when it has.
-inline constexpr std::wstring_view kInstallingText = L"Installing the new release...";
-inline constexpr std::wstring_view kLaunchingText = L"Launching Kelvane...";
+inline constexpr std::wstring_view kInstallingText = timetable::installing.text;
+inline constexpr std::wstring_view kLaunchingText = timetable::launchingGame.text;
 
 }  // namespace vorthmere::update::simulation

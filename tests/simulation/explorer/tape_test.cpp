@@ -42,7 +42,7 @@ TEST(Tape, DrawsTheSameNumbersFromTheSameSeed) {
     for (int i = 0; i < 100; ++i) {
         const std::size_t number = first.upTo(99);
         EXPECT_EQ(number, second.upTo(99));
-        different += number != other.upTo(99) ? 1 : 0;
+        if (number != other.upTo(99)) ++different;
     }
     EXPECT_GT(different, 50U);
 }
