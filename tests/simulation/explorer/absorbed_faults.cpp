@@ -89,6 +89,12 @@ bool isVanished(const Outcome&, const Call& call) {
     return isRemoval && isNotFound(call.result) && isAtOrBelow(treeKeyOf(call.subject), treeKeyOf(place::kWorkFolder));
 }
 
+/// Its exit code and the unpacked tree tell what it did.
+bool isEndOfArchiveTool(const Outcome&, const Call& call) {
+    return (call.operation == Operation::waitForEnd && treeKeyOf(call.subject).ends_with("/tar.exe")) ||
+           (call.operation == Operation::readBytes && call.subject == "a pipe");
+}
+
 bool isFinalName(const Outcome&, const Call& call) {
     return call.operation == Operation::openForItsName && isNotFound(call.result);
 }
@@ -108,6 +114,7 @@ const std::vector<AbsorbedFault>& absorbedFaults() {
         {"existing folder", "a folder that is there is what was asked for", isExistingFolder},
         {"check of installed files", "what cannot be read counts as changed and is fetched", isCheckOfInstalledFiles},
         {"end of a file", "short content fails its digest or its parser; the rest of a part comes next", isEndOrPart},
+        {"end of the archive tool", "its exit code and the unpacked tree tell what it did", isEndOfArchiveTool},
         {"vanished", "what is not there need not be removed; invariant 3 looks at what stays", isVanished},
         {"final name", "a part of a path that is not there is taken as it is written", isFinalName},
     };

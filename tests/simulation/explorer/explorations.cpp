@@ -83,6 +83,7 @@ std::optional<Scenario> killedOnTheWayBack(Tape& tape, Stock& stock) {
     if (call.operation != Operation::moveFile) return std::nullopt;
     const Scenario harmed = calm.with(atCall(call.number), Fault{error::accessDenied});
     const Outcome& back = stock.outcomeOf(harmed);
+    if (back.calls.size() <= call.number + 1) return std::nullopt;
     const Call& second = back.calls[call.number + 1 + tape.upTo(back.calls.size() - call.number - 2)];
     return harmed.with(atCall(second.number), Kill{tape.anyOf(kExtents)});
 }

@@ -261,6 +261,12 @@ std::vector<std::string> changedByOthers(const Outcome& outcome) {
         changed.push_back(treeKeyOf(intrusion->path));
         if (intrusion->kind == Intrusion::Kind::rename) changed.push_back(treeKeyOf(intrusion->second));
     }
+    // What was changed in the work folder moves on to the installation.
+    for (std::size_t i = changed.size(); i > 0; --i) {
+        std::string relative;
+        if (isWorkFolder(changed[i - 1]) && relativeKeyOf(changed[i - 1], relative) && !relative.empty())
+            changed.push_back(treeKeyOf(place::kInstallation) + "/" + relative);
+    }
     return changed;
 }
 

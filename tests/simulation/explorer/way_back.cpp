@@ -9,10 +9,34 @@ bool isChange(Operation operation) {
     return operation >= Operation::createFolder && operation <= Operation::moveFile;
 }
 
+bool isFailedChange(const Call& call) {
+    if (!isChange(call.operation) || call.result == 0) return false;
+    return !(call.operation == Operation::createFolder && call.result == error::alreadyExists) &&
+           !(call.operation == Operation::removeEmptyFolder && call.result == error::folderNotEmpty);
+}
+
+/// True when the folder was made soon after: its parent had been missing.
+bool isMadeLater(const std::vector<Call>& calls, std::size_t i) {
+    for (std::size_t later = i + 1; later < calls.size(); ++later) {
+        if (calls[later].operation == Operation::moveFile) return false;
+        if (calls[later].operation == Operation::createFolder && calls[later].subject == calls[i].subject)
+            return calls[later].result == 0;
+    }
+    return false;
+}
+
+/// True for a call that could not do its work, as opposed to one that found nothing or what it was to make.
+bool isFailure(const std::vector<Call>& calls, std::size_t i) {
+    const Call& call = calls[i];
+    if (call.isHarmed) return true;
+    const bool lacksParent = call.operation == Operation::createFolder && call.result == error::pathNotFound;
+    return isFailedChange(call) && !(lacksParent && isMadeLater(calls, i));
+}
+
 /// The first call at or after `from` that could not do its work.
 std::size_t firstFailure(const std::vector<Call>& calls, std::size_t from) {
     for (std::size_t i = from; i < calls.size(); ++i)
-        if (isFailure(calls[i])) return i;
+        if (isFailure(calls, i)) return i;
     return calls.size();
 }
 
@@ -24,14 +48,6 @@ std::size_t failedRelaunch(const Outcome& outcome) {
 }
 
 }  // namespace
-
-bool isFailure(const Call& call) {
-    if (call.isHarmed) return true;
-    if (!isChange(call.operation) || call.result == 0) return false;
-    return !(call.operation == Operation::createFolder && call.result == error::alreadyExists) &&
-           !(call.operation == Operation::createFolder && call.result == error::pathNotFound) &&
-           !(call.operation == Operation::removeEmptyFolder && call.result == error::folderNotEmpty);
-}
 
 bool relativeKeyOf(std::string_view path, std::string& relative) {
     const std::string key = treeKeyOf(path);
@@ -50,7 +66,7 @@ WayBack::WayBack(const Outcome& outcome) {
     const std::size_t relaunch = failedRelaunch(outcome);
     begin_ = firstFailure(calls, relaunch < calls.size() ? relaunch + 1 : outcome.firstCallOf(kInstallingText));
     for (std::size_t i = begin_ + 1; i < calls.size(); ++i) {
-        if (!isFailure(calls[i])) continue;
+        if (!isFailure(calls, i)) continue;
         std::string relative;
         if (relativeKeyOf(calls[i].subject, relative)) hits_.push_back(relative);
         if (relativeKeyOf(calls[i].second, relative)) hits_.push_back(relative);

@@ -39,7 +39,4 @@ private:
 /// folder. Nothing for a path outside of them.
 [[nodiscard]] bool relativeKeyOf(std::string_view path, std::string& relative);
 
-/// True for a call that could not do its work, as opposed to one that found nothing or what it was to make.
-[[nodiscard]] bool isFailure(const Call& call);
-
 }  // namespace vorthmere::update::simulation
