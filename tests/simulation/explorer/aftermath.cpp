@@ -53,7 +53,7 @@ bool isUntouched(const Tree& before, const Tree& tree) {
 
 }  // namespace
 
-void makePeace(Machine& machine) {
+void makePeace(Machine& machine, const Plan& plan) {
     const std::string everything = "C:/";
     const auto let = [&machine, &everything](Intrusion::Kind kind) {
         Intrusion intrusion;
@@ -65,6 +65,9 @@ void makePeace(Machine& machine) {
     let(Intrusion::Kind::letChildrenRun);
     let(Intrusion::Kind::release);
     let(Intrusion::Kind::leaveFolder);
+    for (const PlannedAction& planned : plan)
+        if (const auto* intrusion = std::get_if<Intrusion>(&planned.action))
+            if (intrusion->kind == Intrusion::Kind::map) machine.files.unmap(intrusion->path);
     machine.files.volumeOf(everything).freeBytes = kRoomyDisk;
     for (const ProcessId process : machine.processes.running())
         if (process != machine.otherProgram && process != machine.caller)
@@ -82,7 +85,7 @@ std::vector<Breach> Aftermath::brokenInvariants(const Outcome& outcome) {
     if (outcome.end == Outcome::End::hung) return {};
     const SettingPointer& setting = outcome.scenario.setting;
     Machine machine = outcome.machine;
-    makePeace(machine);
+    makePeace(machine, outcome.scenario.plan);
     Tree tree = treeOf(machine);
 
     Question question;

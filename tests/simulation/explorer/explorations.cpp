@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <span>
 #include <utility>
 
@@ -25,8 +26,8 @@ std::optional<Fault> anyFault(Tape& tape, const Call& call) {
     return fault;
 }
 
-Scenario calmWay(Tape& tape, Stock& stock) {
-    return {stock.setting(static_cast<Way>(tape.upTo(kWays - 1))), {}};
+Scenario calmWay(Tape& tape, Stock& stock, std::size_t ways = kMainWays) {
+    return {stock.setting(static_cast<Way>(tape.upTo(ways - 1))), {}};
 }
 
 /// Any call of a scenario.
@@ -34,8 +35,12 @@ const Call& anyCall(Tape& tape, Stock& stock, const Scenario& scenario) {
     return tape.anyOf(stock.outcomeOf(scenario).calls);
 }
 
+std::optional<Scenario> undisturbed(Tape& tape, Stock& stock) {
+    return calmWay(tape, stock, kWays);
+}
+
 std::optional<Scenario> oneFault(Tape& tape, Stock& stock) {
-    const Scenario calm = calmWay(tape, stock);
+    const Scenario calm = calmWay(tape, stock, kWays);
     const Call& call = anyCall(tape, stock, calm);
     const std::optional<Fault> fault = anyFault(tape, call);
     if (!fault) return std::nullopt;
@@ -124,10 +129,12 @@ constexpr std::array kProfiles = {Profile::posixDelete, Profile::classicDelete, 
                                   Profile::networkShare, Profile::devDrive};
 
 Scenario drawnSetting(Tape& tape) {
-    const auto way = static_cast<Way>(tape.upTo(kWays - 1));
+    const auto way = static_cast<Way>(tape.upTo(kMainWays - 1));
     const Profile profile = tape.anyOf(kProfiles);
     const bool hasRunningGame = tape.coin();
-    return {settingOf(drawnReleases(tape), way, profile, hasRunningGame), {}};
+    auto setting = std::make_shared<Setting>(*settingOf(drawnReleases(tape), way, profile, hasRunningGame));
+    setting->isDrawn = true;
+    return {std::move(setting), {}};
 }
 
 enum class Event : std::uint8_t { fault, intrusion, kill, powerLoss };
@@ -162,7 +169,7 @@ std::optional<Scenario> drawnUpdate(Tape& tape, Stock&) {
 /// Several things at once. Which kinds can happen, and how often each does, is drawn first.
 std::optional<Scenario> swarm(Tape& tape, Stock& stock) {
     const bool isDrawn = tape.coin();
-    const Scenario calm = isDrawn ? drawnSetting(tape) : calmWay(tape, stock);
+    const Scenario calm = isDrawn ? drawnSetting(tape) : calmWay(tape, stock, kWays);
     const std::vector<Call> calls = isDrawn ? play(calm).calls : stock.outcomeOf(calm).calls;
     std::array<std::size_t, 4> weights{};
     std::size_t sum = 0;
@@ -191,6 +198,7 @@ std::optional<Scenario> swarm(Tape& tape, Stock& stock) {
 
 const std::vector<Exploration>& explorations() {
     static const std::vector<Exploration> all = {
+        {"undisturbed", true, 0, undisturbed},
         {"one fault", true, 1, oneFault},
         {"fault on the way back", true, 2, faultOnTheWayBack},
         {"killed", true, 1, killed},

@@ -62,7 +62,8 @@ bool Explorer::step(Visit& visit, const Amount& amount) {
         choices.insert(choices.end(), visit.next->begin(), visit.next->end());
         Tape tape(std::move(choices));
         const bool isDue = visit.index++ % stride == amount.seed % stride;
-        if (isDue) {
+        const bool isVisited = isDue || isNew(exploration, tape);
+        if (isVisited) {
             this->visit(visit, tape);
         } else {
             tape.upTo(explorations().size() - 1);
@@ -70,9 +71,21 @@ bool Explorer::step(Visit& visit, const Amount& amount) {
         }
         visit.next = tape.next(1);
         if (visit.next) visit.next->erase(visit.next->begin());
-        if (isDue) return true;
+        if (isVisited) return true;
     }
     return false;
+}
+
+// A fault that no scenario met so far is worth a visit, whatever the stride.
+bool Explorer::isNew(const Exploration& exploration, Tape tape) {
+    tape.upTo(explorations().size() - 1);
+    const std::optional<Scenario> scenario = exploration.choose(tape, stock_);
+    if (!scenario || scenario->plan.size() != 1) return false;
+    const auto* fault = std::get_if<Fault>(&scenario->plan.front().action);
+    if (fault == nullptr) return false;
+    const std::size_t number = scenario->plan.front().trigger.number;
+    const Operation operation = stock_.outcomeOf({scenario->setting, {}}).calls[number].operation;
+    return examination_.coverage().lacks(operation, *fault);
 }
 
 void Explorer::visit(Visit& visit, Tape& tape) {

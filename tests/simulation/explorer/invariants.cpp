@@ -76,7 +76,14 @@ private:
         return old_.contains(key) || new_.contains(key);
     }
 
+    /// True for what other programs changed, there or where it was while files changed places.
     bool isOthers(std::string_view key) const {
+        if (isOthersItself(key)) return true;
+        if (!isAtOrBelow(key, treeKeyOf(place::kInstallation)) || isWorkFolder(key)) return false;
+        return isOthersItself(inFolder(place::kBackup, key)) || isOthersItself(inFolder(place::kStaging, key));
+    }
+
+    bool isOthersItself(std::string_view key) const {
         return std::any_of(others_.begin(), others_.end(), [key](const std::string& other) {
             return isAtOrBelow(key, other) || isAtOrBelow(other, key);
         });
@@ -109,7 +116,7 @@ private:
 
     void kept() {
         for (const auto& [key, node] : setting_.before) {
-            if (!node.isFile() || !isManaged(key) || isOthers(key) || isOthers(inFolder(place::kBackup, key))) continue;
+            if (!node.isFile() || !isManaged(key) || isOthers(key)) continue;
             if (!isAt(key, node) && !isAt(inFolder(place::kBackup, key), node))
                 broken("2 kept", key, node.path + " is neither in the installation nor in the backup");
         }
@@ -206,7 +213,10 @@ private:
         for (const std::string& handle : outcome_.openHandles)
             broken("6 returned", "", handle + " was left open");
         if (outcome_.wrongHandles > 0) broken("6 returned", "", "it used a handle that was not open");
-        if (outcome_.end == Outcome::End::crashed) return;
+        const bool couldNotEnd = std::any_of(outcome_.calls.begin(), outcome_.calls.end(), [](const Call& call) {
+            return call.operation == Operation::endProcess && call.result != 0;
+        });
+        if (outcome_.end == Outcome::End::crashed || couldNotEnd) return;
         for (const ProcessId child : outcome_.machine.processes.runningChildrenOf(outcome_.machine.caller)) {
             const Process* process = outcome_.machine.processes.find(child);
             if (process->tool) broken("6 returned", "", process->commandLine + " still runs");
