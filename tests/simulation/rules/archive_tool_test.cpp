@@ -206,7 +206,7 @@ TEST(SimulatedArchiveTool, PrintsFailsAndWaitsAsItIsTold) {
     const ToolRun run = list(machine);
     EXPECT_EQ(run.output.size(), 9 + 300000 + 7U);
     EXPECT_EQ(run.exitCode, 3U);
-    machine.processes.archiveTool = {.startError = 0, .neverEnds = true};
+    machine.processes.archiveTool = {.neverEnds = true};
     EXPECT_THROW((void)list(machine), Hung);
 }
 
@@ -220,7 +220,7 @@ TEST(SimulatedArchiveTool, GoesOnStepByStepAfterItsParentsEnd) {
     EXPECT_EQ(machine.files.deleteFile("staging/a.pak"), 32U);
     EXPECT_EQ(machine.files.deleteFile("package.zip"), 32U);
     EXPECT_EQ(machine.files.moveFile("staging", "moved"), 32U);
-    EXPECT_EQ(act(machine, {.kind = Intrusion::Kind::letChildrenRun, .path = "", .second = ""}), 0U);
+    EXPECT_EQ(act(machine, {.kind = Intrusion::Kind::letChildrenRun}), 0U);
     EXPECT_EQ(contentAt(machine.files, "staging/b.pak"), "b");
     EXPECT_EQ(machine.files.moveFile("staging", "moved"), 0U);
 }

@@ -66,7 +66,7 @@ TEST(SimulatedProcesses, LeaveNothingHeldWhenTheyDoNotStart) {
 
 TEST(SimulatedProcesses, HoldTheirProgramFolderAndFilesUntilTheirEnd) {
     Machine machine = desk();
-    const Game game = startGame(machine, {.startError = 0, .runsForMs = {}, .exitCode = 0, .opens = {"plain"}});
+    const Game game = startGame(machine, {.opens = {"plain"}});
     EXPECT_EQ(machine.files.deleteFile("program.exe"), 5U);
     EXPECT_EQ(machine.files.deleteFile("plain"), 32U);
     EXPECT_EQ(machine.files.moveFile("C:/Desk", "C:/Moved"), 32U);
@@ -78,7 +78,7 @@ TEST(SimulatedProcesses, HoldTheirProgramFolderAndFilesUntilTheirEnd) {
 
 TEST(SimulatedProcesses, AreWaitedForInTimeThatOnlyCounts) {
     Machine machine = desk();
-    const Game game = startGame(machine, {.startError = 0, .runsForMs = 5000, .exitCode = 7, .opens = {}});
+    const Game game = startGame(machine, {.runsForMs = 5000, .exitCode = 7});
     EXPECT_FALSE(machine.processes.waitForEnd(machine.files, game.handle, 4000));
     EXPECT_EQ(machine.processes.nowMs, 4000U);
     EXPECT_EQ(machine.processes.exitCodeOf(game.handle, 1), 259U);
