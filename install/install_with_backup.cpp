@@ -32,8 +32,8 @@ bool moveBetween(const std::filesystem::path& from, const std::filesystem::path&
     return !moveFile(from / path, to / path);
 }
 
-/// Makes the parent folders of files below one folder. Neighbours in a list mostly share theirs, and the platform takes
-/// as long to find a folder there as to make it: what was made for the last file is not asked for again.
+/// Creates the parent folders of files below one folder. Neighbours in a list mostly share a parent, and finding a folder
+/// takes the system as long as creating one, so the last parent is not tried again.
 class ParentFolders {
 public:
     /// @param made receives the folders that were not there before

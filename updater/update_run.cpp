@@ -42,7 +42,7 @@ bool makeAnew(const std::filesystem::path& toRemove, const std::filesystem::path
     return !removeTree(toRemove) && !createFolders(toMake, created) && !created.empty();
 }
 
-// The test for a reparse point stands before the removal, so that a junction planted as the work folder never leads the
+// The test for a reparse point comes before the removal, so that a junction planted as the work folder cannot lead the
 // removal elsewhere.
 ExitCode prepareWorkFolder(const WorkFolder& work, std::wstring& error) {
     if (isReparsePoint(work.folder)) {
