@@ -53,7 +53,7 @@ bool isUntouched(const Tree& before, const Tree& tree) {
 
 }  // namespace
 
-void makePeace(Machine& machine, const Plan& plan) {
+void makePeace(Machine& machine) {
     const std::string everything = "C:/";
     const auto let = [&machine, &everything](Intrusion::Kind kind) {
         Intrusion intrusion;
@@ -65,9 +65,10 @@ void makePeace(Machine& machine, const Plan& plan) {
     let(Intrusion::Kind::letChildrenRun);
     let(Intrusion::Kind::release);
     let(Intrusion::Kind::leaveFolder);
-    for (const PlannedAction& planned : plan)
-        if (const auto* intrusion = std::get_if<Intrusion>(&planned.action))
-            if (intrusion->kind == Intrusion::Kind::map) machine.files.unmap(intrusion->path);
+    // A mapped file may have another name by now.
+    Disk& disk = machine.files.disk;
+    for (EntryId id = 0; id < disk.count(); ++id)
+        disk.at(id).mappings = 0;
     machine.files.volumeOf(everything).freeBytes = kRoomyDisk;
     for (const ProcessId process : machine.processes.running())
         if (process != machine.otherProgram && process != machine.caller)
@@ -85,7 +86,7 @@ std::vector<Breach> Aftermath::brokenInvariants(const Outcome& outcome) {
     if (outcome.end == Outcome::End::hung) return {};
     const SettingPointer& setting = outcome.scenario.setting;
     Machine machine = outcome.machine;
-    makePeace(machine, outcome.scenario.plan);
+    makePeace(machine);
     Tree tree = treeOf(machine);
 
     Question question;

@@ -71,6 +71,24 @@ std::optional<Scenario> faultOnTheWayBack(Tape& tape, Stock& stock) {
     return harmed.with(atCall(second.number), *fault);
 }
 
+/// A new file is looked at as soon as it is there, and then the update is taken back: on a system on which a name stays
+/// as long as somebody holds the file.
+std::optional<Scenario> lookedAtOnTheWayBack(Tape& tape, Stock& stock) {
+    const auto& [way, step] = tape.anyOf(kWaysWithWayBack);
+    const Scenario calm{stock.setting(way, Profile::classicDelete), {}};
+    const Outcome& good = stock.outcomeOf(calm);
+    const std::size_t first = good.firstCallOf(step);
+    const Call& move = good.calls[first + tape.upTo(good.calls.size() - first - 1)];
+    if (move.operation != Operation::moveFile || move.number + 2 >= good.calls.size()) return std::nullopt;
+    const std::size_t later = move.number + 2 + tape.upTo(good.calls.size() - move.number - 3);
+    if (good.calls[later].operation != Operation::moveFile) return std::nullopt;
+    Intrusion look;
+    look.path = move.second;
+    look.sharing = access::all;
+    if (tape.coin()) look.kind = Intrusion::Kind::map;
+    return calm.with(atCall(move.number + 1), look).with(atCall(later), Fault{error::accessDenied});
+}
+
 constexpr std::array kExtents = {Extent::none, Extent::part, Extent::whole};
 
 std::optional<Scenario> killed(Tape& tape, Stock& stock) {
@@ -201,6 +219,7 @@ const std::vector<Exploration>& explorations() {
         {"undisturbed", true, 0, undisturbed},
         {"one fault", true, 1, oneFault},
         {"fault on the way back", true, 2, faultOnTheWayBack},
+        {"looked at on the way back", true, 2, lookedAtOnTheWayBack},
         {"killed", true, 1, killed},
         {"killed on the way back", true, 2, killedOnTheWayBack},
         {"power loss", true, 1, withoutPower},
