@@ -95,6 +95,10 @@ bool isEndOfArchiveTool(const Outcome&, const Call& call) {
            (call.operation == Operation::readBytes && call.subject == "a pipe");
 }
 
+bool isFlush(const Outcome&, const Call& call) {
+    return call.operation == Operation::flushFile;
+}
+
 bool isFinalName(const Outcome&, const Call& call) {
     return call.operation == Operation::openForItsName && isNotFound(call.result);
 }
@@ -116,6 +120,7 @@ const std::vector<AbsorbedFault>& absorbedFaults() {
         {"end of a file", "short content fails its digest or its parser; the rest of a part comes next", isEndOrPart},
         {"end of the archive tool", "its exit code and the unpacked tree tell what it did", isEndOfArchiveTool},
         {"vanished", "what is not there need not be removed; invariant 3 looks at what stays", isVanished},
+        {"flush", "it only helps after a power loss", isFlush},
         {"final name", "a part of a path that is not there is taken as it is written", isFinalName},
     };
     return faults;
