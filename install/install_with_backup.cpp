@@ -64,7 +64,7 @@ bool vacate(Installation& installation, const Paths& pathsToVacate, const Paths&
         if (!isFreeOfReparsePoints(installation.folder, path))
             return fail(error, L"The installation contains a reparse point in a managed path.");
         const std::filesystem::path installed = installation.folder / path;
-        if (fileTypeOrThrow(installed, "exists") == FileType::notFound) continue;
+        if (fileTypeBelowOrThrow(installation.folder, path, "exists") == FileType::notFound) continue;
         if (fileTypeOrThrow(installed, "status") != FileType::regular)
             return fail(error, L"A managed installation path is not a regular file.");
         if (!backupFolders.create(path)) return fail(error, L"Unable to prepare the update backup.");

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "platform/windows/system_path.h"
 #include "platform/windows/windows_result.h"
 
 namespace vorthmere::update {
@@ -11,7 +12,8 @@ namespace {
 constexpr DWORD kSharedWithReadersAndWriters = FILE_SHARE_READ | FILE_SHARE_WRITE;
 
 FileHandle openFile(const std::filesystem::path& file, DWORD access, DWORD disposition, std::error_code& failure) {
-    const HANDLE handle = CreateFileW(file.c_str(), access, kSharedWithReadersAndWriters, nullptr, disposition,
+    const SystemPath systemPath(file);
+    const HANDLE handle = CreateFileW(systemPath.text(), access, kSharedWithReadersAndWriters, nullptr, disposition,
                                       FILE_ATTRIBUTE_NORMAL, nullptr);
     failure = resultOf(handle != INVALID_HANDLE_VALUE);
     return FileHandle(failure ? nullptr : handle);
