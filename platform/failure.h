@@ -12,8 +12,6 @@ enum class WindowsError : std::uint32_t {
     fileNotFound = 2,
     pathNotFound = 3,
     accessDenied = 5,
-    badNetworkPath = 53,
-    badNetworkName = 67,
     invalidParameter = 87,
     invalidName = 123,
     notADirectory = 267,
@@ -27,10 +25,10 @@ enum class WindowsError : std::uint32_t {
     return failure.category() == std::system_category() && failure.value() == static_cast<int>(error);
 }
 
-/// True for the errors that mean "there is nothing at this path", as opposed to "it cannot be told".
+/// True for the errors that mean "there is nothing at this path", as opposed to "it cannot be told": a share or a drive
+/// that went away may have what is looked for. (Where its letter went with it, the number is "path not found".)
 [[nodiscard]] inline bool isNotFound(const std::error_code& failure) {
     return failure == WindowsError::fileNotFound || failure == WindowsError::pathNotFound ||
-           failure == WindowsError::badNetworkPath || failure == WindowsError::badNetworkName ||
            failure == WindowsError::invalidName || failure == WindowsError::notADirectory;
 }
 

@@ -33,6 +33,7 @@ enum class Operation : std::uint8_t {
     createToWrite,
     readBytes,
     writeBytes,
+    flushFile,
     closeFile,
     closeFileHandle,
     openPipe,

@@ -68,6 +68,12 @@ std::error_code writeBytes(const FileHandle& file, const void* bytes, std::size_
 }
 
 // Whatever it tells, the file is closed; what it could not store is lost.
+std::error_code flushFile(const std::filesystem::path& file) {
+    const std::string text = textOf(file);
+    return toFailure(pass(Operation::flushFile, text, "",
+                          [&text](Machine& machine, Extent) { return machine.files.flushFile(text); }));
+}
+
 std::error_code closeFile(FileHandle file) {
     const std::string name = simulation::fileNameOf(file.get());
     const HandleId id = toId(file.release());

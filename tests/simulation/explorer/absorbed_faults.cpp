@@ -105,6 +105,10 @@ bool isEndOfArchiveTool(const Outcome&, const Call& call) {
            (call.operation == Operation::readBytes && call.subject == "a pipe");
 }
 
+bool isFlush(const Outcome&, const Call& call) {
+    return call.operation == Operation::flushFile;
+}
+
 bool isFinalName(const Outcome&, const Call& call) {
     return call.operation == Operation::openForItsName && isNotFound(call.result);
 }
@@ -127,6 +131,7 @@ const std::vector<AbsorbedFault>& absorbedFaults() {
         {"end of the archive tool", "its exit code and the unpacked tree tell what it did", isEndOfArchiveTool},
         {"tried again", "a read-only entry is removed at the second try", isTriedAgain},
         {"vanished", "what is not there need not be removed; invariant 3 looks at what stays", isVanished},
+        {"flush", "it only helps after a power loss", isFlush},
         {"final name", "a part of a path that is not there is taken as it is written", isFinalName},
     };
     return faults;

@@ -9,6 +9,7 @@
 #include "tests/support/folder_link.h"
 #include "tests/support/held_file.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/wine.h"
 
 namespace vorthmere::update {
 namespace {
@@ -169,11 +170,19 @@ TEST_F(FileChangesTest, RemoveTreeNeverTouchesWhatALinkLeadsTo) {
     const TemporaryFolder outside;
     writeFile(folder / L"tree" / L"file", "");
     const LinkedFolder linked(folder / L"tree" / L"link", outside / L"target");
-    // Under Wine the link itself cannot be removed while its target has content, and the call says so.
     failure = removeTree(folder / L"tree");
     EXPECT_TRUE(linked.targetIsWhole());
-    failure = removeTree(folder / L"tree" / L"link");
+    // Under Wine the link itself cannot be removed while its target has content, and the call says so.
+    EXPECT_EQ(isThere(folder / L"tree"), testing::runsUnderWine());
+    EXPECT_EQ(static_cast<bool>(failure), testing::runsUnderWine());
+}
+
+TEST_F(FileChangesTest, RemoveTreeTakesALinkForItself) {
+    const TemporaryFolder outside;
+    const LinkedFolder linked(folder / L"link", outside / L"target");
+    failure = removeTree(folder / L"link");
     EXPECT_TRUE(linked.targetIsWhole());
+    EXPECT_EQ(isThere(folder / L"link"), testing::runsUnderWine());
 }
 
 }  // namespace
