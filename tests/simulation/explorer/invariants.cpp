@@ -4,6 +4,7 @@
 #include <set>
 
 #include "tests/simulation/explorer/absorbed_faults.h"
+#include "tests/simulation/explorer/fitting_sentences.h"
 #include "tests/simulation/explorer/way_back.h"
 
 namespace vorthmere::update::simulation {
@@ -63,7 +64,7 @@ public:
         documented();
         reported();
         returned();
-        linear();
+        steady();
         return std::move(breaches_);
     }
 
@@ -193,6 +194,12 @@ private:
     void documented() {
         if (outcome_.end == Outcome::End::returned && !documented_.contains(outcome_.code, outcome_.sentence))
             broken("4 documented", "", "code " + std::to_string(outcome_.code) + " with \"" + outcome_.sentence + "\"");
+        const FittingSentence* fitting = fittingSentenceOf(outcome_);
+        if (outcome_.end == Outcome::End::returned && fitting != nullptr &&
+            (outcome_.code != fitting->code || outcome_.sentence != fitting->sentence))
+            broken(
+                "4 documented", "",
+                "code " + std::to_string(fitting->code) + " with \"" + std::string(fitting->sentence) + "\" would fit");
         if (outcome_.end != Outcome::End::threw) return;
         constexpr std::string_view operations[] = {"exists", "status", "absolute"};
         if (std::none_of(std::begin(operations), std::end(operations), [this](std::string_view operation) {
@@ -223,10 +230,16 @@ private:
         }
     }
 
-    void linear() {
+    void steady() {
+        std::uint32_t percent = 0;
+        for (const ReportedStep& step : outcome_.steps) {
+            if (step.percent < percent && step.text != timetable::preparingCompletePackage.text)
+                broken("7 steady", "", "the percentage falls to " + std::to_string(step.percent));
+            percent = step.percent;
+        }
         const std::size_t most = mostCalls(setting_.releases);
         if (outcome_.calls.size() > most)
-            broken("7 linear", "", std::to_string(outcome_.calls.size()) + " calls, more than " + std::to_string(most));
+            broken("7 steady", "", std::to_string(outcome_.calls.size()) + " calls, more than " + std::to_string(most));
     }
 
     const Outcome& outcome_;

@@ -189,8 +189,8 @@ namespace {
 /// Runs the core once and fills in how it ended.
 void run(Gate& gate, Arguments arguments, Outcome& outcome) {
     std::wstring error;
-    const auto progress = [&outcome, &gate](std::wstring text, std::uint32_t) {
-        outcome.steps.push_back({std::move(text), gate.calls().size()});
+    const auto progress = [&outcome, &gate](std::wstring text, std::uint32_t percent) {
+        outcome.steps.push_back({std::move(text), percent, gate.calls().size()});
     };
     try {
         outcome.code = runUpdate(std::move(arguments), error, progress);

@@ -71,6 +71,7 @@ struct Scenario {
 /// A step of the run that was reported.
 struct ReportedStep {
     std::wstring text;
+    std::uint32_t percent = 0;
     std::size_t firstCall = 0;  ///< number of the next call
 };
 
