@@ -7,7 +7,7 @@ namespace vorthmere::update::simulation {
 namespace {
 
 /// What an update only does once something else has failed, or never does.
-constexpr std::array kNeverFaulted = {Operation::lastFailure};
+constexpr std::array kNeverFaulted = {Operation::lastErrorNumber};
 
 bool isExercised(Operation operation) {
     return std::find(kNeverFaulted.begin(), kNeverFaulted.end(), operation) == kNeverFaulted.end();
@@ -29,8 +29,8 @@ void Coverage::count(const Outcome& outcome) {
         if (fault == nullptr || outcome.timesMet[i] == 0) continue;
         const auto met =
             std::find_if(outcome.calls.begin(), outcome.calls.end(), [](const Call& call) { return call.isHarmed; });
-        const Operation operation =
-            planned.trigger.operation.value_or(met == outcome.calls.end() ? Operation::lastFailure : met->operation);
+        const Operation operation = planned.trigger.operation.value_or(
+            met == outcome.calls.end() ? Operation::lastErrorNumber : met->operation);
         ++faults_[{operation, withoutAlways(*fault)}];
     }
 }
