@@ -31,6 +31,10 @@ EntryFacts factsBy(StatusCall call, const std::filesystem::path& path, std::erro
 
 }  // namespace
 
+EntryAttributes entryAttributes(const std::filesystem::path& path, std::error_code& failure) {
+    return factsBy(lstat, path, failure).attributes;
+}
+
 EntryFacts entryFacts(const std::filesystem::path& path, std::error_code& failure) {
     return factsBy(lstat, path, failure);
 }
