@@ -1,7 +1,5 @@
 #include "tests/simulation/explorer/coverage.h"
 
-#include <algorithm>
-
 namespace vorthmere::update::simulation {
 namespace {
 
@@ -19,11 +17,11 @@ void Coverage::count(const Outcome& outcome) {
         const PlannedAction& planned = outcome.scenario.plan[i];
         const auto* fault = std::get_if<Fault>(&planned.action);
         if (fault == nullptr || outcome.timesMet[i] == 0) continue;
-        const auto met =
-            std::find_if(outcome.calls.begin(), outcome.calls.end(), [](const Call& call) { return call.isHarmed; });
-        const Operation operation =
-            planned.trigger.operation.value_or(met == outcome.calls.end() ? Operation::lastFailure : met->operation);
-        ++faults_[{operation, withoutAlways(*fault)}];
+        const Trigger& trigger = planned.trigger;
+        const bool isCallNumber = !trigger.operation && trigger.number < outcome.calls.size();
+        if (trigger.operation || isCallNumber)
+            ++faults_[{trigger.operation ? *trigger.operation : outcome.calls[trigger.number].operation,
+                       withoutAlways(*fault)}];
     }
 }
 

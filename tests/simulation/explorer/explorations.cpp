@@ -157,12 +157,22 @@ Scenario drawnSetting(Tape& tape) {
 
 enum class Event : std::uint8_t { fault, intrusion, kill, powerLoss };
 
-std::optional<Scenario> withEvent(const Scenario& scenario, Event event, const Call& call, Tape& tape) {
+/// The same call also when others come before it.
+Trigger likeCall(const std::vector<Call>& calls, const Call& call) {
+    const auto isAlike = [&call](const Call& other) {
+        return other.operation == call.operation && other.subject == call.subject;
+    };
+    const auto before = std::count_if(calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(call.number), isAlike);
+    return {call.operation, call.subject, static_cast<std::size_t>(before)};
+}
+
+std::optional<Scenario> withEvent(const Scenario& scenario, Event event, const std::vector<Call>& calls,
+                                  const Call& call, Tape& tape) {
     switch (event) {
         case Event::fault: {
             const std::optional<Fault> fault = anyFault(tape, call);
             if (!fault) return std::nullopt;
-            return scenario.with(atCall(call.number), *fault);
+            return scenario.with(likeCall(calls, call), *fault);
         }
         case Event::intrusion: {
             const std::optional<Intrusion> intrusion = anyIntrusion(tape, call);
@@ -181,7 +191,7 @@ std::optional<Scenario> drawnUpdate(Tape& tape, Stock&) {
     const std::size_t kind = tape.upTo(4);
     if (kind == 4) return calm;
     const std::vector<Call> calls = play(calm).calls;
-    return withEvent(calm, static_cast<Event>(kind), tape.anyOf(calls), tape);
+    return withEvent(calm, static_cast<Event>(kind), calls, tape.anyOf(calls), tape);
 }
 
 /// Several things at once. Which kinds can happen, and how often each does, is drawn first.
@@ -207,7 +217,8 @@ std::optional<Scenario> swarm(Tape& tape, Stock& stock) {
         // Half of the swarms act where files change places.
         const std::size_t from = late ? calls.size() / 2 : 0;
         const Call& call = calls[from + tape.upTo(calls.size() - from - 1)];
-        if (std::optional<Scenario> more = withEvent(scenario, static_cast<Event>(event), call, tape)) scenario = *more;
+        if (std::optional<Scenario> more = withEvent(scenario, static_cast<Event>(event), calls, call, tape))
+            scenario = *more;
     }
     return scenario;
 }

@@ -46,7 +46,9 @@ std::wstring_view stepOf(const Outcome& outcome, const Call& call) {
 const FittingSentence* fittingSentenceOf(const Outcome& outcome) {
     const Plan& plan = outcome.scenario.plan;
     const auto* fault = plan.size() == 1 ? std::get_if<Fault>(&plan.front().action) : nullptr;
-    if (fault == nullptr || fault->error == 0 || fault->always) return nullptr;
+    const Setting& setting = *outcome.scenario.setting;
+    const bool isInstallable = !setting.isDrawn && undisturbedCode(setting.way) != 27;
+    if (fault == nullptr || fault->error == 0 || fault->always || !isInstallable) return nullptr;
     const auto harmed =
         std::find_if(outcome.calls.begin(), outcome.calls.end(), [](const Call& call) { return call.isHarmed; });
     if (harmed == outcome.calls.end()) return nullptr;

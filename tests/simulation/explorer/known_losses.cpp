@@ -116,6 +116,17 @@ bool isFileUnderNewFolder(const Outcome& outcome, const Breach& breach) {
            });
 }
 
+// A link that the system does not tell.
+
+bool isUntoldLink(const Outcome& outcome, const Breach&) {
+    const Tree& before = outcome.scenario.setting->before;
+    return std::any_of(outcome.calls.begin(), outcome.calls.end(), [&before](const Call& call) {
+        const auto then = before.find(treeKeyOf(call.subject));
+        return call.isHarmed && call.operation == Operation::entryAttributes && then != before.end() &&
+               (then->second.attributes & attribute::reparsePoint) != 0;
+    });
+}
+
 // A link that comes after the test for links.
 
 bool isLater(const Outcome& outcome, const PlannedAction& planned) {
@@ -254,6 +265,15 @@ const std::vector<KnownLoss>& knownLosses() {
              return happensIn(Scenario{settingOf(sampleReleases(), Way::incremental), {}}.with(
                                   nthCall(Operation::moveFile, staged("Vorthmere.exe"), 0), Kill{Extent::none}),
                               isFileUnderNewFolder);
+         }},
+        {"link that is not told", "docs/failures.md",
+         "Only what is surely seen to be a link is refused: one whose attributes cannot be read is followed.",
+         isUntoldLink,
+         [] {
+             return happensIn(Scenario{settingOf(sampleReleases(), Way::linkedFolder), {}}.with(
+                                  nthCall(Operation::entryAttributes, inInstallation("data"), 0),
+                                  Fault{.error = error::fileNotFound, .always = true}),
+                              isUntoldLink);
          }},
         {"link after the test", "docs/failures.md",
          "A link that another program plants after its place was tested is followed.", isLinkAfterTheTest,

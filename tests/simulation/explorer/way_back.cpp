@@ -65,6 +65,21 @@ std::size_t firstFailure(const std::vector<Call>& calls, std::size_t from) {
     return calls.size();
 }
 
+bool isMove(const Call& call, std::string_view from, std::string_view to) {
+    return call.operation == Operation::moveFile && isAtOrBelow(treeKeyOf(call.subject), treeKeyOf(from)) &&
+           isAtOrBelow(treeKeyOf(call.second), treeKeyOf(to));
+}
+
+/// The first call at or after `from` that moves a file to where an installation takes it from. Some ways back begin
+/// without a call that fails: with a link that is seen, or a folder in a file's place.
+std::size_t firstReturn(const std::vector<Call>& calls, std::size_t from, bool isSwapped) {
+    const std::string_view source = isSwapped ? place::kBackup : place::kStaging;
+    const std::string_view backup = isSwapped ? place::kStaging : place::kBackup;
+    for (std::size_t i = from; i < calls.size(); ++i)
+        if (isMove(calls[i], backup, place::kInstallation) || isMove(calls[i], place::kInstallation, source)) return i;
+    return calls.size();
+}
+
 std::size_t failedRelaunch(const Outcome& outcome) {
     const std::size_t from = outcome.firstCallOf(kLaunchingText);
     for (std::size_t i = from; i < outcome.calls.size(); ++i)
@@ -89,7 +104,11 @@ bool relativeKeyOf(std::string_view path, std::string& relative) {
 WayBack::WayBack(const Outcome& outcome) {
     const std::vector<Call>& calls = outcome.calls;
     const std::size_t relaunch = failedRelaunch(outcome);
-    begin_ = firstFailure(calls, relaunch < calls.size() ? relaunch + 1 : outcome.firstCallOf(kInstallingText));
+    const bool isSwapped = relaunch < calls.size();
+    const std::size_t from = isSwapped ? relaunch + 1 : outcome.firstCallOf(kInstallingText);
+    const std::size_t failed = firstFailure(calls, from);
+    const std::size_t returned = firstReturn(calls, from, isSwapped);
+    begin_ = failed < returned || returned == calls.size() ? failed : returned - 1;
     const Plan& plan = outcome.scenario.plan;
     const bool isHindered = std::any_of(plan.begin(), plan.end(), canHinderRenames);
     for (std::size_t i = begin_ + 1; i < calls.size(); ++i) {

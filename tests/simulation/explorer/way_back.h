@@ -14,7 +14,8 @@ class WayBack {
 public:
     explicit WayBack(const Outcome& outcome);
 
-    /// Number of the call whose failure began the way back; the number of all calls when there was none.
+    /// Number of the call that began the way back, by its failure or by what it told; the number of all calls when there
+    /// was none.
     [[nodiscard]] std::size_t begin() const {
         return begin_;
     }
