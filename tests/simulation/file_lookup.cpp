@@ -69,10 +69,14 @@ Error FileSystem::walk(const std::string& fullPath, std::size_t volumeLength, Li
     return error::none;
 }
 
+// A device hides a file of its name; a share refuses the name, whatever is asked of it.
 void FileSystem::finishPlace(Place& place) const {
     place.isDevice = place.isDevice && place.folder != kNoEntry;
-    if (place.isDevice && disk.volumes()[disk.at(place.folder).volume].refusesDeviceNames)
+    if (place.isDevice) place.entry = kNoEntry;
+    if (place.isDevice && disk.volumes()[disk.at(place.folder).volume].refusesDeviceNames) {
+        place.isDevice = false;
         place.error = error::accessDenied;
+    }
     const bool isFile = place.entry != kNoEntry && !disk.at(place.entry).isFolder();
     if (isFile && place.endsInSeparator) place.error = error::invalidName;
 }

@@ -187,6 +187,7 @@ private:
     Error moveOnto(EntryId source, const Place& target);
     Error openCopyTarget(const Place& place, bool overwrite, EntryId source, EntryId& target);
     Error fillCopy(EntryId source, EntryId target, Extent extent);
+    void abandonCopy(EntryId target);
     Error makeFile(const Place& place, EntryId& created);
     [[nodiscard]] Error handleError(const OpenFile& file) const;
     void remove(EntryId entry);
