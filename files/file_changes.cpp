@@ -49,7 +49,9 @@ std::error_code removeContent(const std::filesystem::path& folder) {
 std::error_code removeListed(const std::filesystem::path& path, EntryAttributes attributes) {
     std::error_code failure;
     if (attributes.isFolder() && !attributes.isReparsePoint()) failure = removeContent(path);
-    if (!failure) failure = removeEntry(path, attributes.isFolder() ? removeEmptyFolder : deleteFile);
+    // A folder that is said to be gone is removed all the same: if it is still there, and not empty, that fails.
+    if (!failure || hasVanished(path, failure))
+        failure = removeEntry(path, attributes.isFolder() ? removeEmptyFolder : deleteFile);
     return failure && hasVanished(path, failure) ? std::error_code() : failure;
 }
 

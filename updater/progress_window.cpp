@@ -127,7 +127,7 @@ void showSuccess(const WindowState& state) {
     SetTimer(state.window, kCloseTimer, kCloseDelayMs, nullptr);
 }
 
-// The button lies over the right end of the detail text, so the text comes first: what is drawn last stays visible.
+// The button covers the right end of the detail text, so the text is set first: what is drawn last stays visible.
 void showFailure(const WindowState& state) {
     SetWindowTextW(state.status, L"Update could not be completed.");
     const std::wstring detail = state.outcomeText + L"\nYour previous installation was left in place or restored.";

@@ -35,14 +35,14 @@ ExitCode finishCurrent(const Arguments& arguments, std::wstring& error, const Pr
     return ExitCode::done;
 }
 
-/// Removes a folder and makes it, or one below it, anew. False also when there was nothing to make: then somebody else
-/// made it meanwhile.
-bool makeAnew(const std::filesystem::path& toRemove, const std::filesystem::path& toMake) {
+/// Removes a folder and makes it anew, with one below it or alone. False also when the folder need not be made: then it
+/// was not removed, whatever the system said, or somebody else made it meanwhile.
+bool makeAnew(const std::filesystem::path& folder, const std::filesystem::path& innermost) {
     std::vector<std::filesystem::path> created;
-    return !removeTree(toRemove) && !createFolders(toMake, created) && !created.empty();
+    return !removeTree(folder) && !createFolders(innermost, created) && !created.empty() && created.front() == folder;
 }
 
-// The test for a reparse point stands before the removal, so that a junction planted as the work folder never leads the
+// The test for a reparse point comes before the removal, so that a junction planted as the work folder cannot lead the
 // removal elsewhere.
 ExitCode prepareWorkFolder(const WorkFolder& work, std::wstring& error) {
     if (isReparsePoint(work.folder)) {

@@ -45,6 +45,12 @@ std::error_code writeBytes(const FileHandle& file, const void* bytes, std::size_
     return count == size ? std::error_code() : failureOf(ERROR_DISK_FULL);
 }
 
+std::error_code flushFile(const std::filesystem::path& file) {
+    std::error_code failure;
+    const FileHandle handle = openFile(file, GENERIC_WRITE, OPEN_EXISTING, failure);
+    return failure ? failure : resultOf(FlushFileBuffers(handle.get()));
+}
+
 std::error_code closeFile(FileHandle file) {
     return resultOf(CloseHandle(file.release()));
 }
