@@ -4,6 +4,7 @@ import contextlib
 import os
 import pathlib
 import shutil
+import signal
 import subprocess
 import time
 
@@ -14,12 +15,15 @@ from lib.demo.updates import WINE_RUN, local_objects, local_package, options, up
 
 DEMO = BUILD / "demo"
 CHANNEL = DEMO / "channel"
+PREFIX = BUILD / "wine"
 SERVER = DEMO / "server"
 CHANNEL_SERVER = SCRIPTS / "channel-server"
 # Of the slow connection on which the window can be looked at.
 SLOW_BYTES_PER_SECOND = "200k"
 
-STARTED = float(os.environ.get("KVN_DEMO_STARTED", time.time()))
+# scripts/demo has started before this program, and has started the building of the archive tool.
+STARTED = int(os.environ["KVN_DEMO_STARTED"])
+ARCHIVE_TOOL_PROCESS = int(os.environ["KVN_DEMO_ARCHIVE_TOOL"])
 
 
 @contextlib.contextmanager
@@ -33,7 +37,7 @@ def step(title):
 
 def build():
     """Builds what is shown, and makes the Wine prefix meanwhile."""
-    prefix = subprocess.Popen([SCRIPTS / "wine-prefix", BUILD / "wine"])
+    prefix = subprocess.Popen([SCRIPTS / "wine-prefix", PREFIX])
     subprocess.run([SCRIPTS / "build", "windows-test", "KVNUpdater", "kvn_probe"], check=True)
     subprocess.run([SCRIPTS / "build", "linux-release", "kvn-release"], check=True)
     if prefix.wait() != 0:
@@ -84,8 +88,17 @@ def show_window():
         print(f"    {(DEMO / name).relative_to(ROOT)}.png")
 
 
-def demonstrate(archive_tool):
-    with step("Building the updater and the publisher's tool (the archive tool is built beside them)"):
+def wait_for_archive_tool():
+    # When it has ended before, the shell that started it took its end.
+    with contextlib.suppress(ChildProcessError):
+        os.waitpid(ARCHIVE_TOOL_PROCESS, 0)
+    subprocess.run([SCRIPTS / "wine-prefix", PREFIX], check=True)
+    if not (PREFIX / "drive_c" / "windows" / "system32" / "tar.exe").exists():
+        raise SystemExit("there is no archive tool")
+
+
+def demonstrate():
+    with step("Building the updater and the publisher's tool"):
         build()
     with step("Publishing releases 41 and 42"):
         publish_releases(DEMO, CHANNEL)
@@ -96,8 +109,7 @@ def demonstrate(archive_tool):
     with step("Updating in the window, over a slow connection"):
         show_window()
     with step("Waiting for the archive tool, which only the complete package needs"):
-        if archive_tool.wait() != 0:
-            raise SystemExit(1)
+        wait_for_archive_tool()
     with step("Updating with the complete package, from local files"):
         update_and_show(CHANNEL, installation("complete"), *local_package(CHANNEL))
 
@@ -109,13 +121,12 @@ def main():
     picture = parser.parse_args().picture
     shutil.rmtree(DEMO, ignore_errors=True)
     DEMO.mkdir(parents=True)
-    # What can be shown without it goes first.
-    archive_tool = subprocess.Popen(["nice", SCRIPTS / "setup", "archive-tool"], stdin=subprocess.DEVNULL)
     try:
-        demonstrate(archive_tool)
-    finally:
-        archive_tool.terminate()
-        archive_tool.wait()
+        demonstrate()
+    except BaseException:
+        with contextlib.suppress(ProcessLookupError):
+            os.kill(ARCHIVE_TOOL_PROCESS, signal.SIGTERM)
+        raise
     if picture:
         shutil.copyfile(DEMO / "working.png", picture)
     print(f"\nAll of it took {time.time() - STARTED:.0f} s.")
