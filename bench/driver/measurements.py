@@ -8,11 +8,13 @@ import wine
 from channel import served
 from checkout import BENCH, FIRST_CALLS, NOTHING, PUBLISHER, SHIPPED_UPDATER, UPDATER, WORK, download_base_url
 from games import MIB
-from table import Row
-from timing import compare, least, say, seconds_of_native
+from table import Row, as_line, compared
+from timing import compare, cost_of_native, median_seconds, say
 from updates import UpdateBench
 
 DOWNLOAD_NAME = "bench.bin"
+# What a measurement that fails ends with; the others are made all the same.
+FAILURES = (OSError, RuntimeError, ValueError, subprocess.SubprocessError)
 MEMORY_AIM = "at most 16 MiB above"
 
 
@@ -62,7 +64,7 @@ def measure_incremental(sizes, idle):
                  "naming the staged files": bench.cost_of_inspecting(sizes.cost_repetitions),
                  "moving the files": bench.cost_of_installing(sizes.cost_repetitions)}
         peak = bench.incremental(wine.peak_private_bytes, bench.local_objects())
-    return [Row(f"{what} [s]", *times, "at most 1.10"), *parts(times[1], costs),
+    return [compared(f"{what} [s]", times, "at most 1.10"), *parts(times.time.floor, costs),
             memory_row("incremental update", peak, idle)]
 
 
@@ -70,7 +72,7 @@ def measure_https(sizes, idle):
     what = f"incremental update over HTTPS, 5 % of {mebibytes(sizes.update_bytes)} changed, {sizes.files:,} files"
     with UpdateBench("https", sizes.files, sizes.update_bytes, 4, changed=sizes.files // 20) as bench:
         times, peak = bench.compare_https(sizes.repetitions)
-    return [Row(f"{what} [s]", *times, "at most 1.15"), memory_row("incremental update over HTTPS", peak, idle)]
+    return [compared(f"{what} [s]", times, "at most 1.15"), memory_row("incremental update over HTTPS", peak, idle)]
 
 
 def measure_complete(sizes, idle):
@@ -81,7 +83,7 @@ def measure_complete(sizes, idle):
                  "naming the unpacked files": bench.cost_of_inspecting(sizes.cost_repetitions),
                  "moving the files": bench.cost_of_installing(sizes.cost_repetitions)}
         peak = bench.complete(wine.peak_private_bytes)
-    return [Row(f"{what} [s]", *times, "at most 1.10"), *parts(times[1], costs),
+    return [compared(f"{what} [s]", times, "at most 1.10"), *parts(times.time.floor, costs),
             memory_row("complete package", peak, idle)]
 
 
@@ -96,11 +98,11 @@ def measure_download(sizes, idle):
     url = download_base_url() + DOWNLOAD_NAME
     figure = ("download", url, folder / "figure", sizes.package_bytes)
     with served(channel, WORK / "server"):
-        times = compare(sizes.short_repetitions, lambda: wine.seconds_inside(*figure),
-                        lambda: wine.seconds_inside("download-floor", url, folder / "floor"))
+        times = compare(sizes.short_repetitions, lambda: wine.cost_inside(*figure),
+                        lambda: wine.cost_inside("download-floor", url, folder / "floor"))
         peak = wine.peak_private_bytes(BENCH, *figure)
     shutil.rmtree(folder)
-    return [Row(f"downloadHttpsFile, {mebibytes(sizes.package_bytes)} [s]", *times, "at most 1.10"),
+    return [compared(f"downloadHttpsFile, {mebibytes(sizes.package_bytes)} [s]", times, "at most 1.10"),
             memory_row("downloadHttpsFile", peak, idle),
             Row(f"memory: downloading {mebibytes(sizes.package_bytes)}, all of it [MiB]", peak / MIB,
                 aim="at most 32", digits=1)]
@@ -112,17 +114,17 @@ def measure_install(sizes, idle):
 
     def figure():
         games.lay_out_for_moving(folder, names, backup_folders=False)
-        return wine.seconds_inside("install", folder, folder / "list")
+        return wine.cost_inside("install", folder, folder / "list")
 
     def floor():
         games.lay_out_for_moving(folder, names, backup_folders=True)
-        return wine.seconds_inside("moves", folder, folder / "list")
+        return wine.cost_inside("moves", folder, folder / "list")
 
     times = compare(sizes.short_repetitions, figure, floor)
     games.lay_out_for_moving(folder, names, backup_folders=False)
     peak = wine.peak_private_bytes(BENCH, "install", folder, folder / "list")
     shutil.rmtree(folder)
-    return [Row(f"installing {sizes.installed_files:,} files [s]", *times, "at most 1.5", digits=3),
+    return [compared(f"installing {sizes.installed_files:,} files [s]", times, "at most 1.5", digits=3),
             memory_row("installing", peak, idle)]
 
 
@@ -151,10 +153,10 @@ def measure_start(sizes, _idle):
     with UpdateBench("start", 16, MIB, 4, changed=1) as bench:
         current = (UPDATER, "--apply", "--install", bench.installation.folder, "--current", str(games.RELEASE),
                    "--no-relaunch", "--test-no-ui", *bench.local_package())
-        times = compare(sizes.starts, lambda: wine.seconds_of(*current), lambda: wine.seconds_of(NOTHING))
-        first_calls = least(sizes.starts, lambda: wine.seconds_of(FIRST_CALLS))
-    return [Row("start to \"already current\", without a window [s]", *times, "at most 2", digits=3),
-            *parts(times[1], {"a program that makes the first three calls": first_calls})]
+        times = compare(sizes.starts, lambda: wine.cost_of(*current), lambda: wine.cost_of(NOTHING))
+        first_calls = median_seconds(sizes.starts, lambda: wine.cost_of(FIRST_CALLS))
+    return [compared("start to \"already current\", without a window [s]", times, "at most 2", digits=3),
+            *parts(times.time.floor, {"a program that makes the first three calls": first_calls})]
 
 
 def measure_publishing(sizes, _idle):
@@ -167,18 +169,18 @@ def measure_publishing(sizes, _idle):
 
         def figure():
             shutil.rmtree(folder / "channel", ignore_errors=True)
-            return seconds_of_native(PUBLISHER, "build", "--release", "1", "--version", "bench", "--protocol", "1",
+            return cost_of_native(PUBLISHER, "build", "--release", "1", "--version", "bench", "--protocol", "1",
                                      "--from", game, "--channel", folder / "channel")
 
         def floor():
             (folder / "floor.zip").unlink(missing_ok=True)
             digests = "find \"$1\" -type f -print0 | xargs -0 sha256sum"
-            return (seconds_of_native("bash", "-c", digests, "bash", game) +
-                    seconds_of_native("bsdtar", "-a", "-cf", folder / "floor.zip", "-C", game, "."))
+            return (cost_of_native("bash", "-c", digests, "bash", game) +
+                    cost_of_native("bsdtar", "-a", "-cf", folder / "floor.zip", "-C", game, "."))
 
         times = compare(sizes.publish_repetitions, figure, floor)
         shutil.rmtree(folder)
-        rows.append(Row(f"publishing {files:,} files, {mebibytes(total)} [s]", *times, "reported"))
+        rows.append(compared(f"publishing {files:,} files, {mebibytes(total)} [s]", times, "reported"))
     return rows
 
 
@@ -195,11 +197,22 @@ MEASUREMENTS = {
 }
 
 
-def measure(sizes, chosen):
-    """All rows, timings first and memory behind them."""
+def measure(sizes, chosen, rows):
+    """Adds every row to `rows` when it is there.
+
+    @return what could not be measured, and why, one a line
+    """
     idle = wine.idle_private_bytes()
-    rows = []
+    failures = []
     for name in chosen:
         say(name)
-        rows += MEASUREMENTS[name](sizes, idle)
-    return sorted(rows, key=lambda row: row.name.startswith("memory:"))
+        try:
+            new = MEASUREMENTS[name](sizes, idle)
+        except FAILURES as failure:
+            failures.append(f"{name} was not measured: {failure}")
+            say(failures[-1])
+            continue
+        for row in new:
+            say("  " + as_line(row))
+        rows += new
+    return failures
