@@ -1,9 +1,20 @@
 """The tokens of a C++ source, as clang sees them."""
+import dataclasses
 import functools
 
 from clang import cindex
 
 from lib.checkout import ROOT
+
+
+@dataclasses.dataclass(frozen=True)
+class Token:
+    """A token and where it stands in the bytes of the source."""
+
+    text: str
+    start: int
+    end: int
+    kind: str  # PUNCTUATION, KEYWORD, IDENTIFIER or LITERAL
 
 
 @functools.cache
@@ -12,15 +23,15 @@ def _index():
 
 
 def tokens(name):
-    """The spelling of every token of a source but comments. Nothing that it includes is read."""
+    """Every token of a source but comments. Nothing that it includes is read."""
     unit = _index().parse(str(ROOT / name), args=["-x", "c++", "-std=c++20", "-nostdinc"])
-    return [token.spelling for token in unit.get_tokens(extent=unit.cursor.extent)
-            if token.kind != cindex.TokenKind.COMMENT]
+    return [Token(token.spelling, token.extent.start.offset, token.extent.end.offset, token.kind.name)
+            for token in unit.get_tokens(extent=unit.cursor.extent) if token.kind != cindex.TokenKind.COMMENT]
 
 
 def literal_text(token):
     """What stands between the quotes of a string literal, escapes as they are written; None of another token."""
-    begin = token.find('"')
-    if not token.endswith('"') or token[:begin] not in ("", "L", "u8"):
+    begin = token.text.find('"')
+    if not token.text.endswith('"') or token.text[:begin] not in ("", "L", "u8"):
         return None
-    return token[begin + 1:-1]
+    return token.text[begin + 1:-1]

@@ -19,18 +19,18 @@ ENDINGS = (".", ")", "(error", "HTTP", "<release>")
 
 def _texts(name):
     """The texts of a source outside of calls that show no failure; neighbouring literals are one text."""
-    text, skipping, previous = None, False, ["", ""]
-    for token in [*tokens(name), ";"]:
+    text, skipping, previous = None, False, ("", "")
+    for token in tokens(name):
         part = literal_text(token)
         if part is not None and not skipping:
-            if text is None and previous == [ADDS_ERROR_NUMBER, "("]:
+            if text is None and previous == (ADDS_ERROR_NUMBER, "("):
                 part += " (Windows error N)"
             text = (text or "") + part
         elif text is not None:
             yield text
             text = None
-        skipping = (skipping or token in NOT_FAILURES) and token != ";"
-        previous = [previous[1], token]
+        skipping = (skipping or token.text in NOT_FAILURES) and token.text != ";"
+        previous = (previous[1], token.text)
 
 
 def _is_sentence(text):
