@@ -11,6 +11,7 @@
 #include "publisher/release_content.h"
 #include "publisher/release_texts.h"
 #include "update/ascii.h"
+#include "update/limits.h"
 #include "update/managed_file_list.h"
 #include "update/metadata_file.h"
 #include "update/release_channel.h"

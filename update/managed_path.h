@@ -1,12 +1,8 @@
 #pragma once
 
-#include <cstddef>
 #include <string_view>
 
 namespace vorthmere::update {
-
-/// Longest managed relative path, in bytes, a trailing "/" included.
-inline constexpr std::size_t kMaxManagedPathBytes = 240;
 
 /// Judges a path that came from outside, before it is used below the game folder.
 ///
@@ -21,7 +17,7 @@ inline constexpr std::size_t kMaxManagedPathBytes = 240;
 
 /// Takes the next line off `remaining`, up to the next line feed or the end.
 ///
-/// @param remaining the text not yet consumed; afterwards it starts behind the line feed, or is empty
+/// @param remaining the text not yet consumed; afterwards it starts after the line feed, or is empty
 /// @return the line without its line feed and without one carriage return before it
 std::string_view nextLine(std::string_view& remaining);
 

@@ -1,18 +1,13 @@
 #pragma once
 
-#include <cstdint>
-
 #include "update/manifest.h"
 #include "update/progress.h"
 
 namespace vorthmere::update {
 
-/// Where the download of the complete package begins on the way of the whole run.
-inline constexpr std::uint32_t kFirstDownloadPercent = 12;
-
 /// Maps the byte counts of the complete package's download to its part of the run, 12 % to 65 %.
 ///
-/// @param manifest its `size` stands in for a length that the server does not tell
+/// @param manifest its `size` is used when the server tells no length
 /// @param progress receives the texts and percentages; may be empty
 /// @return a callback that borrows both
 [[nodiscard]] ByteProgressCallback downloadProgress(const Manifest& manifest, const ProgressCallback& progress);

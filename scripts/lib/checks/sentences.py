@@ -37,9 +37,9 @@ def _is_sentence(text):
     return re.match(r"[A-Z][^\\]* ", text) is not None and "\\" not in text
 
 
-def _raised():
-    files = [name for folder in RAISES_SENTENCES for name in sources(f"{folder}/*.cpp")]
-    return {text for name in files if name != WINDOW_TEXTS for text in _texts(name) if _is_sentence(text)}
+def _texts_of_failures():
+    names = sources(*(f"{folder}/*.cpp" for folder in RAISES_SENTENCES))
+    return {text for name in names if name != WINDOW_TEXTS for text in _texts(name)}
 
 
 def _cells(row):
@@ -68,12 +68,11 @@ def _is_in(sentence, texts):
 
 def check():
     listed = (ROOT / DOCUMENT).read_text()
-    raised = _raised()
     one_line = " ".join(listed.split("\n"))
-    faults = [f"not a sentence of {DOCUMENT}: {text}" for text in sorted(raised)
+    raised = _texts_of_failures()
+    faults = [f"not a sentence of {DOCUMENT}: {text}" for text in sorted(filter(_is_sentence, raised))
               if text not in one_line or not text.strip().endswith(ENDINGS)]
     shown = raised | {part for text in _texts(WINDOW_TEXTS) for part in text.split("\\n")}
-    shown |= {text for name in sources("updater/*.cpp", "install/*.cpp") for text in _texts(name)}
     known = [*_sentences_in_tables(listed.splitlines()), *_quoted_sentences(one_line)]
     return faults + [f"{DOCUMENT} has a sentence that no source has: {sentence}" for sentence in known
                      if not _is_in(sentence, shown)]

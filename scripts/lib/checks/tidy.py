@@ -6,7 +6,7 @@ import os
 import subprocess
 
 from lib.checkout import BUILD, ROOT, SCRIPTS, sources
-from lib.layout import TIDY
+from lib.layout import LEFT_OUT, TIDY
 
 WORK = BUILD / "tidy"
 CROSS_COMPILER = "x86_64-w64-mingw32-g++-posix"
@@ -53,9 +53,7 @@ def _check_folder(folder, preset):
 
     What passed is remembered by the content of everything that it was judged by.
     """
-    names = sources(f"{folder}/*.cpp")
-    if preset == "windows-test":
-        names = [name for name in names if not name.endswith("_posix.cpp")]
+    names = sources(f"{folder}/*.cpp", *LEFT_OUT[preset])
     mark = WORK / _digest([".clang-tidy", *sources("*.h"), *names])
     if mark.exists():
         return []

@@ -24,19 +24,15 @@ class Group:
 GROUPS = (
     Group(
         sources=(
-            "install/archive_listing.cpp",
+            "update/archive_listing.cpp",
             "install/command_line_quoting.cpp",
-            "install/package_inspection.h",
+            "update/limits.h",
             "update/ascii.h",
             "update/decimal.h",
             "update/file_inventory.cpp",
-            "update/file_inventory.h",
             "update/managed_file_list.cpp",
-            "update/managed_file_list.h",
             "update/managed_path.cpp",
-            "update/managed_path.h",
             "update/manifest.cpp",
-            "update/manifest.h",
             "update/metadata_file.cpp",
             "update/progress.cpp",
             "update/sha256_text.h",

@@ -5,6 +5,7 @@
 #include "publisher/release_content.h"
 #include "publisher/sha256.h"
 #include "tests/unit/publisher/publishing.h"
+#include "update/limits.h"
 #include "update/manifest.h"
 
 namespace vorthmere::publish::testing {

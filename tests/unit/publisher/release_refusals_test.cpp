@@ -7,6 +7,7 @@
 #include "publisher/package_writer.h"
 #include "publisher/release_texts.h"
 #include "tests/unit/publisher/publishing.h"
+#include "update/limits.h"
 #include "update/managed_file_list.h"
 #include "update/release_channel.h"
 
