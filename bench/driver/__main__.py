@@ -8,6 +8,7 @@ import measurements
 import processor
 import table
 from checkout import ROOT, WORK
+from sizes import Sizes
 
 DOCUMENT = ROOT / "docs" / "performance.md"
 TABLE_BEGINS = "<!-- table -->\n"
@@ -38,7 +39,7 @@ def parse_options():
 
 def measure(options, chosen, rows):
     """@return what could not be measured, and why"""
-    sizes = measurements.Sizes(options.quick)
+    sizes = Sizes(options.quick)
     failures = measurements.measure(sizes, [name for name in chosen if name != "growth"], rows)
     if "growth" in chosen:
         try:
