@@ -11,6 +11,7 @@
 #include "install/archive_tool.h"
 #include "install/package_inspection.h"
 #include "publisher/in_quotes.h"
+#include "publisher/interruption.h"
 #include "publisher/parallel_work.h"
 #include "publisher/release_texts.h"
 #include "publisher/sha256.h"
@@ -40,20 +41,25 @@ public:
         return result == ARCHIVE_OK || result == ARCHIVE_EOF || fail(error);
     }
 
-    /// Unpacks the current entry into nothing.
-    bool measure(std::uint64_t& size, std::string& sha256, const BytesDone& done, std::string& error) {
+    /// Unpacks the current entry into nothing, but no more of it than one block above `maxBytes`.
+    bool measure(std::uint64_t maxBytes, std::uint64_t& size, std::string& sha256, const BytesDone& done,
+                 std::string& error) {
         Sha256 digest;
         size = 0;
         std::vector<char> block(kBlockBytes);
         la_ssize_t count = 0;
-        while ((count = archive_read_data(zip_.get(), block.data(), block.size())) > 0) {
+        while (size <= maxBytes && (count = archive_read_data(zip_.get(), block.data(), block.size())) > 0) {
+            if (isInterrupted()) {
+                error = interruptionSentence();
+                return false;
+            }
             const std::span<const char> bytes(block.data(), static_cast<std::size_t>(count));
             digest.add(bytes);
             size += bytes.size();
             done(bytes.size());
         }
         sha256 = digest.finish();
-        return count == 0 || fail(error);
+        return count >= 0 || fail(error);
     }
 
 private:
@@ -74,7 +80,7 @@ bool listingIsAccepted(const std::filesystem::path& package, const Expected& exp
     if (!reader.open(package, error)) return false;
     std::vector<std::string> names;
     Expected missing = expected;
-    while (reader.next(entry, error) && entry) {
+    while (names.size() <= update::kMaxArchiveEntries && reader.next(entry, error) && entry) {
         const char* const name = archive_entry_pathname(entry);
         names.emplace_back(name ? name : "");
         if (archive_entry_filetype(entry) == AE_IFDIR) continue;
@@ -114,7 +120,7 @@ bool contentsMatch(const std::filesystem::path& package, const Expected& expecte
         const update::InventoryEntry& wanted = *expected.at(archive_entry_pathname(entry));
         std::uint64_t size = 0;
         std::string sha256;
-        if (!reader.measure(size, sha256, done, error)) return false;
+        if (!reader.measure(wanted.size, size, sha256, done, error)) return false;
         if (size == wanted.size && sha256 == wanted.sha256) continue;
         error = inQuotes(wanted.path) + " in the package has other content than the file inventory says.";
         return false;

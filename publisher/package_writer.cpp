@@ -63,7 +63,7 @@ public:
         return opened || fail(error);
     }
 
-    bool add(const ReleaseFile& file, const BytesDone& done, std::string& error) {
+    bool add(const ReleaseFile& file, const std::atomic<bool>& stop, const BytesDone& done, std::string& error) {
         // No time is set: the library then writes the format's earliest date, whatever the machine's time zone, and
         // leaves out the field with Unix times.
         const std::unique_ptr<archive_entry, WrittenArchiveRelease> entry(archive_entry_new());
@@ -75,6 +75,7 @@ public:
                                                : archive_write_zip_set_compression_store(zip_.get());
         if (chosen != ARCHIVE_OK || archive_write_header(zip_.get(), entry.get()) != ARCHIVE_OK) return fail(error);
         const ContentSink pack = [&](std::span<const char> bytes) {
+            if (stop) return false;
             const la_ssize_t written = archive_write_data(zip_.get(), bytes.data(), bytes.size());
             if (written != static_cast<la_ssize_t>(bytes.size())) return fail(error);
             done(bytes.size());
@@ -102,12 +103,12 @@ private:
 }  // namespace
 
 bool writePackage(const std::vector<ReleaseFile>& files, const std::filesystem::path& target, std::uint64_t maxBytes,
-                  PackageFacts& facts, const BytesDone& done, std::string& error) {
+                  const std::atomic<bool>& stop, PackageFacts& facts, const BytesDone& done, std::string& error) {
     PackageOutput output{maxBytes};
     PackageWriter writer(output);
     if (!output.file.create(target, error) || !writer.open(error)) return false;
     for (const ReleaseFile& file : files)
-        if (!writer.add(file, done, error)) return false;
+        if (!writer.add(file, stop, done, error)) return false;
     if (!writer.close(error) || !output.file.finish(error)) return false;
     facts = {output.size, output.digest.finish()};
     return true;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -21,10 +22,12 @@ struct PackageFacts {
 ///
 /// @param target  created or replaced; complete and on the disk on success, a part of it may be left on failure
 /// @param maxBytes largest package that is allowed
+/// @param stop    set to true by another thread to end the work early; the result is then false without a sentence
 /// @param facts   size and digest of what was written
 /// @param done    told the bytes of content that were packed
 /// @param error   receives the sentence of a failure, among them that the package outgrows `maxBytes`
 [[nodiscard]] bool writePackage(const std::vector<ReleaseFile>& files, const std::filesystem::path& target,
-                                std::uint64_t maxBytes, PackageFacts& facts, const BytesDone& done, std::string& error);
+                                std::uint64_t maxBytes, const std::atomic<bool>& stop, PackageFacts& facts,
+                                const BytesDone& done, std::string& error);
 
 }  // namespace vorthmere::publish

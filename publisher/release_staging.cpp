@@ -31,23 +31,25 @@ bool stageObject(const ReleaseFile& file, const fs::path& target, const BytesDon
     return false;
 }
 
-/// Packing keeps one processor busy for much longer than the objects need, so they are written beside it.
+/// Packing keeps one processor busy for much longer than the objects need, so they are written beside it. Whichever
+/// fails first stops the other.
 bool stageContent(const std::vector<ReleaseFile>& files, const std::vector<const ReleaseFile*>& newObjects,
                   const fs::path& workFolder, const fs::path& package, PackageFacts& facts, const BytesDone& done,
                   std::string& error) {
-    std::atomic<bool> packingFailed{false};
+    std::atomic<bool> hasFailed{false};
     return forEachInParallel(
         2,
         [&](std::size_t job, std::string& fault) {
-            if (job == 0) {
-                const bool packed = writePackage(files, package, update::kMaxPackageBytes, facts, done, fault);
-                packingFailed = !packed;
-                return packed;
-            }
-            for (const ReleaseFile* file : newObjects)
-                if (packingFailed || !stageObject(*file, workFolder / objectName(file->entry.sha256), done, fault))
-                    return packingFailed.load();
-            return true;
+            bool written = true;
+            if (job == 0)
+                written = writePackage(files, package, update::kMaxPackageBytes, hasFailed, facts, done, fault);
+            else
+                for (std::size_t i = 0; written && !hasFailed && i < newObjects.size(); ++i)
+                    written =
+                        stageObject(*newObjects[i], workFolder / objectName(newObjects[i]->entry.sha256), done, fault);
+            if (!written) hasFailed = true;
+            // Without a sentence it was stopped by the other, which has one.
+            return written || fault.empty();
         },
         error);
 }

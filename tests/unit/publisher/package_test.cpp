@@ -26,7 +26,7 @@ protected:
     void write() {
         std::string error;
         ASSERT_TRUE(hashReleaseFiles(files, ignoreBytes, error)) << error;
-        ASSERT_TRUE(writePackage(files, package, update::kMaxPackageBytes, facts, ignoreBytes, error)) << error;
+        ASSERT_TRUE(writePackage(files, package, update::kMaxPackageBytes, false, facts, ignoreBytes, error)) << error;
     }
 
     std::string verify() const {
@@ -72,12 +72,12 @@ TEST_F(PackageTest, LargerThanAllowedIsRefused) {
     add("a", packedContent(5000));
     std::string error;
     ASSERT_TRUE(hashReleaseFiles(files, ignoreBytes, error)) << error;
-    EXPECT_FALSE(writePackage(files, package, 5000, facts, ignoreBytes, error));
+    EXPECT_FALSE(writePackage(files, package, 5000, false, facts, ignoreBytes, error));
     EXPECT_THAT(error, HasSubstr("The package would be larger than 5000 bytes"));
     write();
     const std::uint64_t exact = facts.size;
-    EXPECT_TRUE(writePackage(files, package, exact, facts, ignoreBytes, error)) << error;
-    EXPECT_FALSE(writePackage(files, package, exact - 1, facts, ignoreBytes, error));
+    EXPECT_TRUE(writePackage(files, package, exact, false, facts, ignoreBytes, error)) << error;
+    EXPECT_FALSE(writePackage(files, package, exact - 1, false, facts, ignoreBytes, error));
 }
 
 TEST_F(PackageTest, FileThatChangedSinceItWasListedIsRefused) {
@@ -87,7 +87,7 @@ TEST_F(PackageTest, FileThatChangedSinceItWasListedIsRefused) {
         std::string error;
         ASSERT_TRUE(hashReleaseFiles(files, ignoreBytes, error)) << error;
         writeFile(folder / "source", now);
-        EXPECT_FALSE(writePackage(files, package, update::kMaxPackageBytes, facts, ignoreBytes, error));
+        EXPECT_FALSE(writePackage(files, package, update::kMaxPackageBytes, false, facts, ignoreBytes, error));
         EXPECT_THAT(error, HasSubstr("\"a\" changed while the release was being built"));
     }
 }
@@ -120,6 +120,26 @@ TEST_F(PackageTest, ReadingRefusesWhatIsNoArchive) {
     add("a", "content");
     writeFile(package, "no archive");
     EXPECT_THAT(verify(), HasSubstr("The package cannot be unpacked"));
+}
+
+TEST_F(PackageTest, EntryThatUnpacksToMoreThanItShouldIsNotUnpackedToItsEnd) {
+    constexpr std::uint64_t kBomb = 200'000'000;
+    add("bomb", std::string(kBomb, '0'));
+    write();
+    files[0].entry.size = 10;
+    std::uint64_t unpacked = 0;
+    std::string error;
+    EXPECT_FALSE(verifyPackage(
+        package, inventoryOf(files), [&unpacked](std::uint64_t count) { unpacked += count; }, error));
+    EXPECT_THAT(error, HasSubstr("has other content than the file inventory says"));
+    EXPECT_LE(unpacked, 2 * kBlockBytes);
+}
+
+TEST_F(PackageTest, StoppedPackageHasNoSentence) {
+    add("a", "content");
+    std::string error;
+    EXPECT_FALSE(writePackage(files, package, update::kMaxPackageBytes, true, facts, ignoreBytes, error));
+    EXPECT_EQ(error, "");
 }
 
 }  // namespace
