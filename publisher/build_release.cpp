@@ -14,11 +14,13 @@
 #include "publisher/in_quotes.h"
 #include "publisher/interruption.h"
 #include "publisher/missing_objects.h"
+#include "publisher/previous_package.h"
 #include "publisher/previous_release.h"
 #include "publisher/program_file.h"
 #include "publisher/release_details.h"
 #include "publisher/release_difference.h"
 #include "publisher/release_folders.h"
+#include "publisher/release_hashing.h"
 #include "publisher/release_number.h"
 #include "publisher/release_rules.h"
 #include "publisher/release_staging.h"
@@ -125,11 +127,12 @@ private:
     }
 
     bool hashFiles(std::string& error) {
-        console_.beginStep("Reading " + countOf(files_.size(), "file"), totalBytes(files_));
-        const bool hashed = hashReleaseFiles(
-            files_, [this](std::uint64_t count) { console_.advance(count); }, error);
-        console_.endStep();
-        return hashed;
+        const PreviousRelease source = releaseToTakeFrom();
+        PreviousPackage& package = previousPackage_.emplace();
+        if (source.entries.empty() ||
+            !package.open(request_.channel / source.packageName, source.packageSha256, source.entries))
+            previousPackage_.reset();
+        return hashReleaseFiles(files_, previousPackage_, console_, error);
     }
 
     [[nodiscard]] bool isRepetition() const {
@@ -177,10 +180,18 @@ private:
 
     bool stage(std::string& error) {
         StagedRelease staged;
-        if (!stageRelease(files_, missing_.files, request_.details, work_, console_, staged, error)) return false;
+        if (!stageRelease(files_, missing_.files, request_.details, previousPackage_ ? &*previousPackage_ : nullptr,
+                          work_, console_, staged, error))
+            return false;
         manifest_ = staged.manifest;
         inventory_ = staged.inventory;
         return judgeRepeatedPackage(error) && judgeUnknownPackage(error);
+    }
+
+    /// A repetition takes what it can from the release itself, so that it comes out as it was published.
+    [[nodiscard]] PreviousRelease releaseToTakeFrom() const {
+        const std::uint32_t release = request_.details.release;
+        return findPreviousRelease(isRepetition() ? release + 1 : release, published_, request_.channel, listing_);
     }
 
     bool judgeRepeatedPackage(std::string& error) const {
@@ -284,6 +295,7 @@ private:
     std::optional<update::Manifest> published_;
     ChannelListing listing_;
     std::vector<ReleaseFile> files_;
+    std::optional<PreviousPackage> previousPackage_;
     MissingObjects missing_;
     update::Manifest manifest_;
     std::string inventory_;

@@ -104,7 +104,8 @@ private:
         const ChannelFile found = compareFile(package, manifest.size, manifest.sha256, done_);
         std::string fault = faultOf(found, package, manifest.size);
         // What a sound package holds can be judged only by a sound inventory.
-        if (fault.empty() && !entries.empty() && !verifyPackage(package, entries, done_, fault))
+        PackageFacts facts;
+        if (fault.empty() && !entries.empty() && !verifyPackage(package, entries, {}, facts, done_, fault))
             fault = inQuotes(package.filename()) + ": " + fault;
         console_.endStep();
         if (!fault.empty()) report_.faults.push_back(fault);

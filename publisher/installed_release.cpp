@@ -10,6 +10,7 @@
 #include "publisher/folder_walk.h"
 #include "publisher/in_quotes.h"
 #include "publisher/release_content.h"
+#include "publisher/release_hashing.h"
 #include "publisher/release_texts.h"
 #include "update/ascii.h"
 #include "update/managed_file_list.h"
@@ -102,10 +103,8 @@ bool readFolder(const fs::path& folder, const Entries& wanted, Console& console,
     if (!listInstallation(folder, wanted, files, error) || !isInstallationOrGame(folder, files, error) ||
         !readManagedPaths(files, installed.managed, error))
         return false;
-    console.beginStep("Reading " + countOf(files.size(), "installed file"), totalBytes(files));
-    const bool hashed = hashReleaseFiles(
-        files, [&console](std::uint64_t count) { console.advance(count); }, error);
-    console.endStep();
+    std::optional<PreviousPackage> none;
+    const bool hashed = hashReleaseFiles(files, none, console, error);
     installed.holdsOtherFiles = true;
     installed.entries = inventoryOf(files);
     return hashed;

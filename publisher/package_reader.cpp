@@ -73,6 +73,7 @@ private:
 };
 
 using Expected = std::map<std::string, const update::InventoryEntry*, std::less<>>;
+using Known = std::set<std::string, std::less<>>;
 
 bool listingIsAccepted(const std::filesystem::path& package, const Expected& expected, std::string& error) {
     PackageReader reader;
@@ -110,14 +111,18 @@ bool listingIsAccepted(const std::filesystem::path& package, const Expected& exp
 
 /// Unpacks every `stride`-th entry, from the one numbered `first` on: one reader can only go through an archive entry
 /// by entry, so several share the work.
-bool contentsMatch(const std::filesystem::path& package, const Expected& expected, std::size_t first,
-                   std::size_t stride, const BytesDone& done, std::string& error) {
+bool contentsMatch(const std::filesystem::path& package, const Expected& expected, const Known& known,
+                   std::size_t first, std::size_t stride, const BytesDone& done, std::string& error) {
     PackageReader reader;
     archive_entry* entry = nullptr;
     if (!reader.open(package, error)) return false;
     for (std::size_t number = 0; reader.next(entry, error) && entry; ++number) {
         if (number % stride != first || archive_entry_filetype(entry) != AE_IFREG) continue;
         const update::InventoryEntry& wanted = *expected.at(archive_entry_pathname(entry));
+        if (known.contains(wanted.path)) {
+            done(wanted.size);
+            continue;
+        }
         std::uint64_t size = 0;
         std::string sha256;
         if (!reader.measure(wanted.size, size, sha256, done, error)) return false;
@@ -128,19 +133,33 @@ bool contentsMatch(const std::filesystem::path& package, const Expected& expecte
     return error.empty();
 }
 
+bool readFacts(const std::filesystem::path& package, PackageFacts& facts, std::string& error) {
+    Sha256 digest;
+    facts = {};
+    const ContentSink hash = [&](std::span<const char> bytes) {
+        digest.add(bytes);
+        facts.size += bytes.size();
+        return true;
+    };
+    if (!readFile(package, hash, error)) return false;
+    facts.sha256 = digest.finish();
+    return true;
+}
+
 }  // namespace
 
 bool verifyPackage(const std::filesystem::path& package, const std::vector<update::InventoryEntry>& entries,
-                   const BytesDone& done, std::string& error) {
+                   const Known& known, PackageFacts& facts, const BytesDone& done, std::string& error) {
     Expected expected;
     for (const update::InventoryEntry& entry : entries)
         expected.emplace(entry.path, &entry);
     if (!listingIsAccepted(package, expected, error)) return false;
     const std::size_t readers = std::max(1U, std::thread::hardware_concurrency());
     return forEachInParallel(
-        readers,
-        [&](std::size_t reader, std::string& fault) {
-            return contentsMatch(package, expected, reader, readers, done, fault);
+        readers + 1,
+        [&](std::size_t job, std::string& fault) {
+            return job == 0 ? readFacts(package, facts, fault)
+                            : contentsMatch(package, expected, known, job - 1, readers, done, fault);
         },
         error);
 }

@@ -1,11 +1,8 @@
 #include "publisher/release_content.h"
 
-#include "publisher/deflate_trial.h"
 #include "publisher/durable_files.h"
 #include "publisher/in_quotes.h"
 #include "publisher/interruption.h"
-#include "publisher/parallel_work.h"
-#include "publisher/sha256.h"
 
 namespace vorthmere::publish {
 
@@ -37,27 +34,6 @@ bool readContent(const ReleaseFile& file, const ContentSink& sink, std::string& 
     if (error.empty() && (read || size > file.entry.size))
         error = inQuotes(file.entry.path) + " changed while the release was being built; let nothing write to it.";
     return false;
-}
-
-bool hashReleaseFiles(std::vector<ReleaseFile>& files, const BytesDone& done, std::string& error) {
-    return forEachInParallel(
-        files.size(),
-        [&](std::size_t index, std::string& fault) {
-            ReleaseFile& file = files[index];
-            Sha256 digest;
-            DeflateTrial trial;
-            const ContentSink hash = [&](std::span<const char> bytes) {
-                digest.add(bytes);
-                trial.add(bytes);
-                done(bytes.size());
-                return true;
-            };
-            if (!readContent(file, hash, fault)) return false;
-            file.entry.sha256 = digest.finish();
-            file.worthDeflating = trial.isWorthIt();
-            return true;
-        },
-        error);
 }
 
 std::vector<update::InventoryEntry> inventoryOf(const std::vector<ReleaseFile>& files) {

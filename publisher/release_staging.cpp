@@ -34,7 +34,7 @@ bool stageObject(const ReleaseFile& file, const fs::path& target, const BytesDon
 /// Packing keeps one processor busy for much longer than the objects need, so they are written beside it. Whichever
 /// fails first stops the other.
 bool stageContent(const std::vector<ReleaseFile>& files, const std::vector<const ReleaseFile*>& newObjects,
-                  const fs::path& workFolder, const fs::path& package, PackageFacts& facts, const BytesDone& done,
+                  const fs::path& workFolder, const PackageRequest& package, PathSet& taken, const BytesDone& done,
                   std::string& error) {
     std::atomic<bool> hasFailed{false};
     return forEachInParallel(
@@ -42,7 +42,7 @@ bool stageContent(const std::vector<ReleaseFile>& files, const std::vector<const
         [&](std::size_t job, std::string& fault) {
             bool written = true;
             if (job == 0)
-                written = writePackage(files, package, update::kMaxPackageBytes, hasFailed, facts, done, fault);
+                written = writePackage(files, package, hasFailed, taken, done, fault);
             else
                 for (std::size_t i = 0; written && !hasFailed && i < newObjects.size(); ++i)
                     written =
@@ -69,36 +69,37 @@ bool readBack(const fs::path& workFolder, const StagedRelease& staged, const std
 }  // namespace
 
 bool stageRelease(const std::vector<ReleaseFile>& files, const std::vector<const ReleaseFile*>& newObjects,
-                  const update::Manifest& details, const fs::path& workFolder, Console& console, StagedRelease& staged,
-                  std::string& error) {
+                  const update::Manifest& details, const PreviousPackage* previous, const fs::path& workFolder,
+                  Console& console, StagedRelease& staged, std::string& error) {
     const BytesDone done = [&console](std::uint64_t count) { console.advance(count); };
     const fs::path package = workFolder / packageName(details.release);
 
     std::uint64_t objectBytes = 0;
     for (const ReleaseFile* file : newObjects)
         objectBytes += file->entry.size;
-    PackageFacts facts;
+    PathSet taken;
     console.beginStep(
         "Packing " + countOf(files.size(), "file") + " and writing " + countOf(newObjects.size(), "new object"),
         totalBytes(files) + objectBytes);
-    const bool written = stageContent(files, newObjects, workFolder, package, facts, done, error);
+    const bool written =
+        stageContent(files, newObjects, workFolder, {package, update::kMaxPackageBytes, previous}, taken, done, error);
     console.endStep();
     if (!written) return false;
+
+    PackageFacts facts;
+    console.beginStep("Verifying what was written", totalBytes(files));
+    const bool verified = verifyPackage(package, inventoryOf(files), taken, facts, done, error);
+    console.endStep();
+    if (!verified) return false;
 
     staged.manifest = details;
     staged.manifest.size = facts.size;
     staged.manifest.sha256 = facts.sha256;
     staged.manifest.url = std::string(update::kDownloadBaseUrl) + packageName(details.release);
     staged.inventory = inventoryText(staged.manifest, inventoryOf(files));
-    if (!writeFile(workFolder / inventoryName(details.release), staged.inventory, error) ||
-        !writeFile(workFolder / update::kManifestName, manifestText(staged.manifest), error))
-        return false;
-
-    console.beginStep("Verifying what was written", totalBytes(files));
-    const bool verified =
-        readBack(workFolder, staged, files, error) && verifyPackage(package, inventoryOf(files), done, error);
-    console.endStep();
-    return verified;
+    return writeFile(workFolder / inventoryName(details.release), staged.inventory, error) &&
+           writeFile(workFolder / update::kManifestName, manifestText(staged.manifest), error) &&
+           readBack(workFolder, staged, files, error);
 }
 
 }  // namespace vorthmere::publish

@@ -93,6 +93,24 @@ TEST_F(PublisherChannelTest, OfTwoFirstBuildsAtOnceOneSucceeds) {
     }
 }
 
+TEST_F(PublisherChannelTest, PackageDependsNeitherOnProcessorsNorOnWhatIsTakenFromAnother) {
+    std::string text;
+    for (int number = 0; text.size() < 6'000'000; ++number)
+        text += std::to_string(number);
+    writeFile(game_ / "data/text.pak", text);
+    publish(41);
+    publish(42);
+    const std::string package = readFile(channel_ / "KVN-release-42.zip");
+    fs::remove_all(channel_);
+    std::vector<std::string> command{"/usr/bin/taskset", "--cpu-list", "0", publisherProgram()};
+    for (const std::string& argument : buildArguments(42, game_, channel_))
+        command.push_back(argument);
+    ProcessOptions options;
+    options.outputFile = folder_ / "output";
+    EXPECT_EQ(ChildProcess(command, options).wait(Milliseconds(60'000)).exitCode, 0);
+    EXPECT_EQ(readFile(channel_ / "KVN-release-42.zip") == package, true);
+}
+
 TEST_F(PublisherChannelTest, NumbersOutliveALostManifest) {
     publish(50);
     const std::string package = readFile(channel_ / "KVN-release-50.zip");

@@ -53,9 +53,7 @@ protected:
         for (const auto& [name, text] : {std::pair{update::kManagedFileListName, managedFileListText(paths)},
                                          std::pair{update::kReleaseMarkerName, releaseMarkerText(details)}})
             files.push_back({{std::string(name), {}, text.size()}, {}, text});
-        EXPECT_TRUE(hashReleaseFiles(
-            files, [](std::uint64_t) {}, error))
-            << error;
+        EXPECT_TRUE(hashFiles(files, error)) << error;
 
         std::vector<const ReleaseFile*> objects;
         for (const ReleaseFile& file : files)
@@ -65,7 +63,7 @@ protected:
         std::ostringstream output;
         Console console(output, false);
         StagedRelease staged;
-        EXPECT_TRUE(stageRelease(files, objects, details, other, console, staged, error)) << error;
+        EXPECT_TRUE(stageRelease(files, objects, details, nullptr, other, console, staged, error)) << error;
         return other;
     }
 

@@ -4,6 +4,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "publisher/release_hashing.h"
 #include "publisher/release_texts.h"
 #include "publisher/sha256.h"
 #include "update/release_channel.h"
@@ -51,6 +52,13 @@ std::string windowsProgram(std::string_view text) {
     // Signature, machine x64; the optional header is a 64-bit one, and the file is a program.
     program.append("PE\0\0\x64\x86", 6).append(16, '\0').append("\x22\0\x0B\x02", 4);
     return program.append(100, '\0').append(text).append(100, '\0');
+}
+
+bool hashFiles(std::vector<ReleaseFile>& files, std::string& error) {
+    std::ostringstream output;
+    Console console(output, false);
+    std::optional<PreviousPackage> none;
+    return hashReleaseFiles(files, none, console, error);
 }
 
 PublishingTest::PublishingTest() {

@@ -26,6 +26,9 @@ using Tree = std::map<std::string, std::string>;
 /// What passes for a 64-bit Windows program by its head, with a text in it.
 [[nodiscard]] std::string windowsProgram(std::string_view text);
 
+/// Digests files without showing it.
+[[nodiscard]] bool hashFiles(std::vector<ReleaseFile>& files, std::string& error);
+
 /// A game folder with a small game in it, and a channel folder that does not exist yet.
 class PublishingTest : public ::testing::Test {
 protected:

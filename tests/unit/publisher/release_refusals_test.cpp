@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "publisher/durable_files.h"
+#include "publisher/package_reader.h"
 #include "publisher/package_writer.h"
 #include "publisher/release_texts.h"
 #include "tests/unit/publisher/no_privileges.h"
@@ -243,14 +244,21 @@ TEST_F(ReleaseRefusalsTest, SameReleaseWhosePackageIsPackedDifferently) {
         files.push_back({entry, channel / objectName(entry.sha256), {}, false});
     update::Manifest offered = manifest();
     PackageFacts facts;
+    PathSet taken;
     std::string error;
     ASSERT_TRUE(writePackage(
-        files, channel / "KVN-release-42.zip", update::kMaxPackageBytes, false, facts, [](std::uint64_t) {}, error))
+        files, {channel / "KVN-release-42.zip", update::kMaxPackageBytes}, false, taken, [](std::uint64_t) {}, error))
+        << error;
+    ASSERT_TRUE(verifyPackage(
+        channel / "KVN-release-42.zip", inventoryOf(files), {}, facts, [](std::uint64_t) {}, error))
         << error;
     offered.size = facts.size;
     offered.sha256 = facts.sha256;
     writeFile(channel / "KVN-release-42.zip.files", inventoryText(offered, inventoryOf(files)));
     writeFile(channel / "KVN-alpha.manifest", manifestText(offered));
+    // What is packed already is taken as it is.
+    EXPECT_EQ(refusalOf(42), "");
+    fs::remove(channel / "KVN-release-42.zip");
     remember();
     expectRefusal(request(42), AllOf(StartsWith("Release 42 is published already with the same content and details, "
                                                 "but its package comes out differently"),
