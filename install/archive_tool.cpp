@@ -2,56 +2,30 @@
 
 #include <array>
 
-#include "platform/unique_handle.h"
+#include "install/command_line_quoting.h"
+#include "platform/programs.h"
+#include "update/failing.h"
+#include "update/limits.h"
 
 namespace vorthmere::update {
 namespace {
 
 constexpr std::size_t kReadChunkBytes = 8192;
-constexpr UINT kExcessiveOutputExitCode = 9;
-
-struct Pipe {
-    KernelHandle readEnd;
-    KernelHandle writeEnd;
-};
-
-/// Only the write end may reach the child: a read end inherited by it would keep the pipe from ever breaking.
-bool openPipe(Pipe& pipe) {
-    SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-    return CreatePipe(pipe.readEnd.receive(), pipe.writeEnd.receive(), &inheritable, 0) &&
-           SetHandleInformation(pipe.readEnd.get(), HANDLE_FLAG_INHERIT, 0);
-}
+constexpr std::uint32_t kExcessiveOutputExitCode = 9;
+constexpr std::uint32_t kUnknownExitCode = 1;
 
 std::wstring buildCommandLine(const std::filesystem::path& toolPath, const std::vector<std::wstring>& arguments) {
-    std::wstring commandLine = quoteCommandLineArgument(toolPath.native());
+    std::wstring commandLine = quoteCommandLineArgument(toolPath.wstring());
     for (const std::wstring& argument : arguments)
         commandLine += L" " + quoteCommandLineArgument(argument);
     return commandLine;
 }
 
-bool startHidden(const std::filesystem::path& toolPath, std::wstring commandLine,
-                 const std::filesystem::path& workingFolder, HANDLE outputPipe, KernelHandle& process) {
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    startup.dwFlags = STARTF_USESTDHANDLES | STARTF_USESHOWWINDOW;
-    startup.wShowWindow = SW_HIDE;
-    startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
-    startup.hStdOutput = outputPipe;
-    startup.hStdError = outputPipe;
-    PROCESS_INFORMATION started{};
-    if (!CreateProcessW(toolPath.c_str(), commandLine.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
-                        workingFolder.c_str(), &startup, &started))
-        return false;
-    const KernelHandle thread(started.hThread);
-    process.reset(started.hProcess);
-    return true;
-}
-
 /// Reads until the pipe breaks, which is how the tool's end shows. False when the output passes its limit.
-bool drain(HANDLE readEnd, std::string& output) {
+bool drain(const FileHandle& readEnd, std::string& output) {
     std::array<char, kReadChunkBytes> chunk{};
-    DWORD count = 0;
-    while (ReadFile(readEnd, chunk.data(), static_cast<DWORD>(chunk.size()), &count, nullptr) && count > 0) {
+    std::error_code broken;
+    while (const std::size_t count = readBytes(readEnd, chunk.data(), chunk.size(), broken)) {
         if (output.size() + count > kMaxArchiveToolOutputBytes) return false;
         output.append(chunk.data(), count);
     }
@@ -63,37 +37,25 @@ bool drain(HANDLE readEnd, std::string& output) {
 bool runArchiveTool(const std::filesystem::path& toolPath, const std::vector<std::wstring>& arguments,
                     const std::filesystem::path& workingFolder, std::string& output, std::wstring& error) {
     Pipe pipe;
-    if (!openPipe(pipe)) {
-        error = L"Unable to capture the archive tool output.";
-        return false;
-    }
+    if (openPipe(pipe)) return fail(error, L"Unable to capture the archive tool output.");
 
-    KernelHandle process;
-    const bool started =
-        startHidden(toolPath, buildCommandLine(toolPath, arguments), workingFolder, pipe.writeEnd.get(), process);
+    std::error_code failure;
+    const ProcessHandle process =
+        startCaptured(toolPath, buildCommandLine(toolPath, arguments), workingFolder, pipe.writeEnd, failure);
     pipe.writeEnd.reset();
-    if (!started) {
-        pipe.readEnd.reset();
-        error = L"Unable to start the Windows archive tool (error " + std::to_wstring(GetLastError()) + L").";
-        return false;
-    }
+    if (failure)
+        return fail(error,
+                    L"Unable to start the Windows archive tool (error " + std::to_wstring(failure.value()) + L").");
 
     output.clear();
-    if (!drain(pipe.readEnd.get(), output)) {
-        TerminateProcess(process.get(), kExcessiveOutputExitCode);
-        error = L"The archive tool returned excessive output.";
-        return false;
+    if (!drain(pipe.readEnd, output)) {
+        endProcess(process, kExcessiveOutputExitCode);
+        return fail(error, L"The archive tool returned excessive output.");
     }
     pipe.readEnd.reset();
-    WaitForSingleObject(process.get(), INFINITE);
-
-    DWORD exitCode = 1;
-    GetExitCodeProcess(process.get(), &exitCode);
-    if (exitCode != 0) {
-        error = L"The Windows archive tool rejected the update package.";
-        return false;
-    }
-    return true;
+    static_cast<void>(waitForEnd(process, kWaitForever));
+    return exitCodeOf(process, kUnknownExitCode) == 0 ||
+           fail(error, L"The Windows archive tool rejected the update package.");
 }
 
 }  // namespace vorthmere::update

@@ -1,16 +1,10 @@
 #pragma once
 
-#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <vector>
 
-#include "install/command_line_quoting.h"
-
 namespace vorthmere::update {
-
-/// Most bytes that the archive tool may print.
-inline constexpr std::size_t kMaxArchiveToolOutputBytes = 262144;
 
 /// Runs the system's archive tool hidden and waits for its end, however long that takes.
 ///

@@ -1,12 +1,14 @@
+#include "install/extracted_tree.h"
+
 #include <system_error>
 
-#include "install/package_inspection.h"
-#include "platform/canonical_path.h"
-#include "platform/file_status.h"
-#include "platform/folder_listing.h"
-#include "platform/reparse_point.h"
-#include "platform/text.h"
+#include "files/canonical_path.h"
+#include "files/file_status.h"
+#include "files/folder_walk.h"
+#include "files/reparse_point.h"
+#include "update/failing.h"
 #include "update/managed_path.h"
+#include "update/text.h"
 
 namespace vorthmere::update {
 namespace {
@@ -23,7 +25,7 @@ public:
         if (failure) return false;
         if (canonicalFolder_.empty()) canonicalFolder_ = weaklyCanonicalPath(folder_, failure);
         if (failure) return false;
-        name = toUtf8(canonicalFile.lexically_relative(canonicalFolder_).generic_wstring());
+        name = narrow(canonicalFile.lexically_relative(canonicalFolder_).generic_wstring());
         return true;
     }
 
@@ -62,9 +64,7 @@ bool inspectExtractedTree(const std::filesystem::path& stagingFolder, ExtractedF
     std::error_code walkFailure;
     walkTree(stagingFolder, inspect, walkFailure);
     if (queryFailure || walkFailure) fault = L"Unable to inspect the extracted update.";
-    if (fault.empty()) return true;
-    error = fault;
-    return false;
+    return fault.empty() || fail(error, fault);
 }
 
 }  // namespace vorthmere::update

@@ -5,9 +5,10 @@
 #include <string_view>
 #include <system_error>
 
-#include "platform/canonical_path.h"
-#include "platform/file_status.h"
-#include "platform/reparse_point.h"
+#include "files/canonical_path.h"
+#include "files/file_status.h"
+#include "files/reparse_point.h"
+#include "update/failing.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::update {
@@ -30,8 +31,7 @@ bool checkInstallation(std::filesystem::path& installationFolder, std::wstring& 
     std::error_code failure;
     installationFolder = weaklyCanonicalPath(absolutePath(installationFolder), failure);
     if (!failure && !installationFolder.empty() && isInstallation(installationFolder)) return true;
-    error = L"This is not a writable Kelvane portable installation.";
-    return false;
+    return fail(error, L"This is not a writable Kelvane portable installation.");
 }
 
 }  // namespace vorthmere::update

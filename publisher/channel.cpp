@@ -4,6 +4,7 @@
 
 #include "publisher/in_quotes.h"
 #include "update/decimal.h"
+#include "update/limits.h"
 #include "update/managed_path.h"
 #include "update/metadata_file.h"
 #include "update/release_channel.h"

@@ -17,6 +17,7 @@
 #include "publisher/parallel_work.h"
 #include "publisher/path_rules.h"
 #include "publisher/release_texts.h"
+#include "update/limits.h"
 #include "update/managed_file_list.h"
 #include "update/metadata_file.h"
 #include "update/release_channel.h"

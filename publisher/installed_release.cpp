@@ -15,6 +15,7 @@
 #include "update/ascii.h"
 #include "update/managed_file_list.h"
 #include "update/metadata_file.h"
+#include "update/limits.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish {

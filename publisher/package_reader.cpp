@@ -8,13 +8,13 @@
 #include <string_view>
 #include <thread>
 
-#include "install/archive_tool.h"
-#include "install/package_inspection.h"
 #include "publisher/in_quotes.h"
 #include "publisher/interruption.h"
 #include "publisher/parallel_work.h"
 #include "publisher/release_texts.h"
 #include "publisher/sha256.h"
+#include "update/archive_listing.h"
+#include "update/limits.h"
 
 namespace vorthmere::publish {
 namespace {

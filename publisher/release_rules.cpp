@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
-#include "install/archive_tool.h"
-#include "install/package_inspection.h"
 #include "publisher/in_quotes.h"
 #include "publisher/path_rules.h"
 #include "publisher/release_texts.h"
 #include "publisher/sentences.h"
+#include "update/archive_listing.h"
+#include "update/limits.h"
 #include "update/managed_file_list.h"
 #include "update/release_channel.h"
 

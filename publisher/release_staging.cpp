@@ -10,6 +10,7 @@
 #include "publisher/parallel_work.h"
 #include "publisher/release_texts.h"
 #include "publisher/sha256.h"
+#include "update/limits.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish {

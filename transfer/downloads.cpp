@@ -1,51 +1,56 @@
 #include "transfer/downloads.h"
 
 #include <algorithm>
-#include <fstream>
 #include <optional>
 #include <vector>
 
-#include "platform/text.h"
+#include "platform/streams.h"
+#include "update/failing.h"
+#include "update/limits.h"
+#include "update/text.h"
 
 namespace vorthmere::update {
 namespace {
 
-constexpr DWORD kReadBufferBytes = 65536;
+constexpr std::uint32_t kReadBufferBytes = 65536;
 constexpr std::size_t kUsualManifestBytes = 1024;
 
-std::optional<DWORD> queryAdvertisedLength(HINTERNET request) {
-    DWORD length = 0;
-    DWORD size = sizeof(length);
-    if (!WinHttpQueryHeaders(request, WINHTTP_QUERY_CONTENT_LENGTH | WINHTTP_QUERY_FLAG_NUMBER,
-                             WINHTTP_HEADER_NAME_BY_INDEX, &length, &size, WINHTTP_NO_HEADER_INDEX))
-        return std::nullopt;
-    return length;
+std::optional<std::uint32_t> advertisedLength(const InternetHandle& request) {
+    std::uint32_t length = 0;
+    return queryContentLength(request, length) ? std::optional(length) : std::nullopt;
 }
+
+/// One answered request; the handles close themselves in the order that they have to.
+struct Exchange {
+    InternetHandle session;
+    InternetHandle connection;
+    InternetHandle request;
+
+    bool open(std::wstring_view url, std::wstring& error) {
+        return openHttpsRequest(url, session, connection, request, error);
+    }
+};
 
 }  // namespace
 
-bool readResponseBody(HINTERNET request, std::uint64_t maxBytes, const ChunkSink& sink,
+bool readResponseBody(const InternetHandle& request, std::uint64_t maxBytes, const ChunkSink& sink,
                       const ByteProgressCallback& progress, std::wstring& error) {
-    const auto fail = [&error](std::wstring sentence) {
-        error = std::move(sentence);
-        return false;
-    };
-
-    const std::optional<DWORD> advertised = queryAdvertisedLength(request);
-    if (advertised && *advertised > maxBytes) return fail(L"The update download is larger than the safety limit.");
+    const std::optional<std::uint32_t> advertised = advertisedLength(request);
+    if (advertised && *advertised > maxBytes)
+        return fail(error, L"The update download is larger than the safety limit.");
 
     std::vector<char> buffer(kReadBufferBytes);
     std::uint64_t received = 0;
     while (true) {
-        DWORD available = 0;
-        if (!WinHttpQueryDataAvailable(request, &available))
-            return fail(withWindowsError(L"Unable to read the HTTPS update response"));
+        std::uint32_t available = 0;
+        if (!queryDataAvailable(request, available))
+            return fail(error, withWindowsError(L"Unable to read the HTTPS update response"));
         if (available == 0) break;
 
         while (available > 0) {
-            DWORD count = 0;
-            if (!WinHttpReadData(request, buffer.data(), std::min(available, kReadBufferBytes), &count) || count == 0)
-                return fail(withWindowsError(L"The HTTPS update download ended unexpectedly"));
+            std::uint32_t count = 0;
+            if (!readData(request, buffer.data(), std::min(available, kReadBufferBytes), count) || count == 0)
+                return fail(error, withWindowsError(L"The HTTPS update download ended unexpectedly"));
             received += count;
             if (received > maxBytes || !sink(buffer.data(), count)) {
                 if (error.empty()) error = L"Unable to store the downloaded update.";
@@ -56,15 +61,13 @@ bool readResponseBody(HINTERNET request, std::uint64_t maxBytes, const ChunkSink
         }
     }
     if (advertised && received != *advertised)
-        return fail(L"The HTTPS update download did not match its advertised size.");
+        return fail(error, L"The HTTPS update download did not match its advertised size.");
     return true;
 }
 
 bool fetchManifest(std::wstring_view url, Manifest& manifest, std::wstring& error) {
-    InternetHandle session;
-    InternetHandle connection;
-    InternetHandle request;
-    if (!openHttpsRequest(url, session, connection, request, error)) return false;
+    Exchange exchange;
+    if (!exchange.open(url, error)) return false;
 
     std::string text;
     text.reserve(kUsualManifestBytes);
@@ -72,35 +75,26 @@ bool fetchManifest(std::wstring_view url, Manifest& manifest, std::wstring& erro
         text.append(bytes, static_cast<std::size_t>(count));
         return true;
     };
-    if (!readResponseBody(request.get(), kMaxManifestBytes, append, {}, error)) return false;
+    if (!readResponseBody(exchange.request, kMaxManifestBytes, append, {}, error)) return false;
 
     std::string fault;
-    if (!parseManifest(text, manifest, fault)) {
-        error = widen(fault);
-        return false;
-    }
-    return true;
+    return parseManifest(text, manifest, fault) || fail(error, widen(fault));
 }
 
 bool downloadHttpsFile(std::wstring_view url, const std::filesystem::path& path, std::uint64_t maxBytes,
                        const ByteProgressCallback& progress, std::wstring& error) {
-    InternetHandle session;
-    InternetHandle connection;
-    InternetHandle request;
-    if (!openHttpsRequest(url, session, connection, request, error)) return false;
+    Exchange exchange;
+    if (!exchange.open(url, error)) return false;
 
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    if (!file) {
-        error = L"Unable to create the temporary update archive.";
-        return false;
-    }
+    std::error_code failure;
+    FileHandle file = createToWrite(path, failure);
+    if (failure) return fail(error, L"Unable to create the temporary update archive.");
     const auto write = [&file](const char* bytes, std::uint64_t count) {
-        file.write(bytes, static_cast<std::streamsize>(count));
-        return file.good();
+        return !writeBytes(file, bytes, static_cast<std::size_t>(count));
     };
-    const bool complete = readResponseBody(request.get(), maxBytes, write, progress, error);
-    file.close();
-    if (complete && file) return true;
+    const bool complete = readResponseBody(exchange.request, maxBytes, write, progress, error);
+    failure = closeFile(std::move(file));
+    if (complete && !failure) return true;
     if (error.empty()) error = L"Unable to finish the temporary update archive.";
     return false;
 }

@@ -29,8 +29,7 @@ using ChunkSink = std::function<bool(const char* bytes, std::uint64_t count)>;
 /// @param maxBytes largest accepted body, in bytes; the file never grows past it
 /// @param progress called between reads; may be empty
 /// @param error    receives the sentence of a failure: of the request, of the body, "Unable to create the temporary
-/// update
-///                 archive." or "Unable to finish the temporary update archive."
+///                 update archive." or "Unable to finish the temporary update archive."
 [[nodiscard]] bool downloadHttpsFile(std::wstring_view url, const std::filesystem::path& path, std::uint64_t maxBytes,
                                      const ByteProgressCallback& progress, std::wstring& error);
 
@@ -42,12 +41,11 @@ using ChunkSink = std::function<bool(const char* bytes, std::uint64_t count)>;
 /// @param progress receives the bytes so far and the advertised length, 0 when none was; may be empty
 /// @param error    receives the sentence of a failure, unless the sink left one of its own
 /// @return true when the body ended where it was advertised to end, if it was. False with "The update download is
-/// larger
-///         than the safety limit." (advertised, nothing is read then), "Unable to store the downloaded update." (the
-///         sink failed, or the body grew past the limit), "The HTTPS update download did not match its advertised
+///         larger than the safety limit." (advertised, nothing is read then), "Unable to store the downloaded update."
+///         (the sink failed, or the body grew past the limit), "The HTTPS update download did not match its advertised
 ///         size.", or, with the Windows error appended, "Unable to read the HTTPS update response" or "The HTTPS update
 ///         download ended unexpectedly".
-[[nodiscard]] bool readResponseBody(HINTERNET request, std::uint64_t maxBytes, const ChunkSink& sink,
+[[nodiscard]] bool readResponseBody(const InternetHandle& request, std::uint64_t maxBytes, const ChunkSink& sink,
                                     const ByteProgressCallback& progress, std::wstring& error);
 
 }  // namespace vorthmere::update

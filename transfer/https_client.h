@@ -1,26 +1,11 @@
 #pragma once
 
-#include <windows.h>
-#include <winhttp.h>
-
 #include <string>
 #include <string_view>
 
-#include "platform/unique_handle.h"
+#include "platform/https.h"
 
 namespace vorthmere::update {
-
-struct InternetHandleTraits {
-    using Type = HINTERNET;
-    static Type none() noexcept {
-        return nullptr;
-    }
-    static void close(Type handle) noexcept {
-        WinHttpCloseHandle(handle);
-    }
-};
-
-using InternetHandle = UniqueHandle<InternetHandleTraits>;
 
 /// Sends one HTTPS GET and accepts no answer but status 200. Redirects are not followed, certificates are checked as
 /// the platform does by default, nothing is retried.
@@ -31,10 +16,9 @@ using InternetHandle = UniqueHandle<InternetHandleTraits>;
 ///                   themselves.
 /// @param error      receives the sentence of a failure
 /// @return true when the request was answered with status 200 and its body can be read. False with "The update URL is
-/// not
-///         a valid HTTPS address.", "The update host returned HTTP N." (0 when the status cannot be read), or one of
-///         "Unable to initialize the HTTPS update check", "Unable to connect to the update host", "Unable to create the
-///         HTTPS update request", "The HTTPS update request failed" with the Windows error appended.
+///         not a valid HTTPS address.", "The update host returned HTTP N." (0 when the status cannot be read), or one
+///         of "Unable to initialize the HTTPS update check", "Unable to connect to the update host", "Unable to create
+///         the HTTPS update request", "The HTTPS update request failed" with the Windows error appended.
 ///
 /// Blocks for at most 2.5 s each for resolving and connecting, 3 s for sending and 5 s for receiving.
 [[nodiscard]] bool openHttpsRequest(std::wstring_view address, InternetHandle& session, InternetHandle& connection,

@@ -18,8 +18,8 @@ namespace vorthmere::update {
 /// @param stagingFolder exists and is empty
 /// @param progress      receives 9 % to 84 %; may be empty
 /// @param error         receives a sentence for diagnostics, or stays empty when the complete package is simply the
-/// better
-///                      way: no inventory given beside a local manifest, or changed files as large as the package
+///                      better way: no inventory given beside a local manifest, or changed files as large as the
+///                      package
 /// @return true when the staging folder holds the complete, verified release. False for any other outcome; the staging
 ///         folder may then hold a part of it, and the complete package is to be used.
 [[nodiscard]] bool stageIncremental(const Arguments& arguments, const Manifest& manifest,

@@ -1,16 +1,17 @@
 #include "transfer/transfer_report.h"
 
-#include <fstream>
 #include <string>
+
+#include "platform/streams.h"
+#include "update/work_folder.h"
 
 namespace vorthmere::update {
 namespace {
 
-constexpr const wchar_t* kReportName = L"transfer.txt";
-
-// Binary, with the line ends written out: text mode would leave them to the C library at hand.
 void write(const std::filesystem::path& workFolder, const std::string& text) {
-    std::ofstream(workFolder / kReportName, std::ios::binary | std::ios::trunc) << text;
+    std::error_code ignored;
+    const FileHandle file = createToWrite(workFolder / kTransferReportName, ignored);
+    if (file) ignored = writeBytes(file, text.data(), text.size());
 }
 
 std::string line(const char* key, const std::string& value) {

@@ -5,7 +5,7 @@
 
 namespace vorthmere::update {
 
-/// What an incremental update moved.
+/// What an incremental update reused and fetched.
 struct IncrementalTransfer {
     std::uint64_t reused = 0;      ///< files copied from the installation
     std::uint64_t downloaded = 0;  ///< files fetched, from the channel or a local object folder

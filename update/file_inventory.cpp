@@ -1,11 +1,12 @@
 #include "update/file_inventory.h"
 
 #include <algorithm>
-#include <array>
 #include <set>
 
 #include "update/ascii.h"
 #include "update/decimal.h"
+#include "update/failing.h"
+#include "update/limits.h"
 #include "update/managed_file_list.h"
 #include "update/managed_path.h"
 #include "update/release_channel.h"
@@ -13,11 +14,6 @@
 
 namespace vorthmere::update {
 namespace {
-
-std::array<std::string, 5> expectedHeader(const Manifest& manifest) {
-    return {"KVN-FILES/1", "archive=" + manifest.sha256, "release=" + std::to_string(manifest.release),
-            "protocol=" + std::to_string(manifest.protocol), "version=" + manifest.version};
-}
 
 bool isInWorkFolder(std::string_view key) {
     return key == kWorkFolderName ||
@@ -34,19 +30,19 @@ bool aFileIsAlsoAFolder(const std::set<std::string, std::less<>>& keys) {
 
 }  // namespace
 
+std::array<std::string, 5> inventoryHeader(const Manifest& manifest) {
+    return {"KVN-FILES/1", "archive=" + manifest.sha256, "release=" + std::to_string(manifest.release),
+            "protocol=" + std::to_string(manifest.protocol), "version=" + manifest.version};
+}
+
 bool parseFileInventory(std::string_view text, const Manifest& manifest, std::vector<InventoryEntry>& entries,
                         std::string& error) {
     entries.clear();
     error.clear();
-    const auto fail = [&error](std::string_view sentence) {
-        error = sentence;
-        return false;
-    };
-
     if (text.empty() || text.size() > kMaxInventoryBytes || text.find('\0') != std::string_view::npos)
-        return fail("File inventory size is invalid.");
-    for (const std::string& expected : expectedHeader(manifest))
-        if (nextLine(text) != expected) return fail("File inventory does not match the selected release.");
+        return fail(error, "File inventory size is invalid.");
+    for (const std::string& expected : inventoryHeader(manifest))
+        if (nextLine(text) != expected) return fail(error, "File inventory does not match the selected release.");
 
     std::set<std::string, std::less<>> keys;
     std::string impliedList;
@@ -54,9 +50,9 @@ bool parseFileInventory(std::string_view text, const Manifest& manifest, std::ve
     while (!text.empty()) {
         const std::string_view line = nextLine(text);
         const std::size_t firstTab = line.find('\t');
-        if (firstTab == std::string_view::npos) return fail("File inventory record is malformed.");
+        if (firstTab == std::string_view::npos) return fail(error, "File inventory record is malformed.");
         const std::size_t secondTab = line.find('\t', firstTab + 1);
-        if (secondTab == std::string_view::npos) return fail("File inventory record is malformed.");
+        if (secondTab == std::string_view::npos) return fail(error, "File inventory record is malformed.");
         const std::string_view path = line.substr(0, firstTab);
         const std::string_view sizeText = line.substr(firstTab + 1, secondTab - firstTab - 1);
         const std::string_view sha256 = line.substr(secondTab + 1);
@@ -64,20 +60,20 @@ bool parseFileInventory(std::string_view text, const Manifest& manifest, std::ve
         std::uint64_t size = 0;
         if (!isSha256Text(sha256) || !isSafeRelativePath(path, false) || !parseDecimal(sizeText, size) ||
             size > kMaxReleaseBytes - total || entries.size() >= kMaxManagedFiles)
-            return fail("File inventory contains an unsafe path, size, or checksum.");
+            return fail(error, "File inventory contains an unsafe path, size, or checksum.");
 
         // The path rules refuse the work folder already; this guard does not rest on them.
         std::string key = toAsciiLower(path);
         if (isInWorkFolder(key) || !keys.insert(std::move(key)).second)
-            return fail("File inventory contains a reserved or duplicate path.");
+            return fail(error, "File inventory contains a reserved or duplicate path.");
 
         total += size;
         impliedList.append(path).push_back('\n');
         entries.push_back({std::string(path), toAsciiLower(sha256), size});
     }
 
-    if (aFileIsAlsoAFolder(keys)) return fail("File inventory has conflicting file and directory paths.");
-    if (!keys.contains(kReleaseMarkerName)) return fail("File inventory is missing release metadata.");
+    if (aFileIsAlsoAFolder(keys)) return fail(error, "File inventory has conflicting file and directory paths.");
+    if (!keys.contains(kReleaseMarkerName)) return fail(error, "File inventory is missing release metadata.");
 
     std::vector<std::string> impliedPaths;
     return parseManagedFileList(impliedList, impliedPaths, error);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstddef>
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -10,12 +10,6 @@
 
 namespace vorthmere::update {
 
-/// Largest file inventory, in bytes.
-inline constexpr std::size_t kMaxInventoryBytes = 393216;
-
-/// Largest sum of the sizes of a release's files, in bytes (2 GiB).
-inline constexpr std::uint64_t kMaxReleaseBytes = 2147483648;
-
 /// One file of a release.
 struct InventoryEntry {
     std::string path;        ///< managed relative path, letter case as written
@@ -24,6 +18,9 @@ struct InventoryEntry {
 
     friend bool operator==(const InventoryEntry&, const InventoryEntry&) = default;
 };
+
+/// The first five lines of a release's inventory; they bind it to its manifest.
+[[nodiscard]] std::array<std::string, 5> inventoryHeader(const Manifest& manifest);
 
 /// Parses a file inventory, format "KVN-FILES/1", and checks that it belongs to one release.
 ///

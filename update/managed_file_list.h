@@ -1,17 +1,11 @@
 #pragma once
 
-#include <cstddef>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace vorthmere::update {
-
-/// Largest managed-file list, in bytes.
-inline constexpr std::size_t kMaxManagedFileListBytes = 131072;
-
-/// Most files that a release may hold.
-inline constexpr std::size_t kMaxManagedFiles = 1024;
 
 /// Parses the list of the files that belong to a release: one managed relative path a line, blank lines skipped.
 ///
@@ -21,5 +15,13 @@ inline constexpr std::size_t kMaxManagedFiles = 1024;
 /// @param error cleared on entry; on failure the sentence that names the first fault found
 /// @return true when the list is valid. Paths are compared exactly, letter case included.
 [[nodiscard]] bool parseManagedFileList(std::string_view text, std::vector<std::string>& paths, std::string& error);
+
+/// Reads and parses the managed-file list of a release.
+///
+/// @param folder the installation, or the staging folder
+/// @param paths  as parseManagedFileList() fills it
+/// @param error  receives the sentence of a failure: readMetadataFile()'s, or the parser's when it is still empty
+[[nodiscard]] bool loadManagedFileList(const std::filesystem::path& folder, std::vector<std::string>& paths,
+                                       std::wstring& error);
 
 }  // namespace vorthmere::update

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "update/ascii.h"
+#include "update/limits.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::update {

@@ -1,12 +1,8 @@
 #pragma once
 
-#include <cstddef>
 #include <string_view>
 
 namespace vorthmere::update {
-
-/// Longest managed relative path, in bytes, a trailing "/" included.
-inline constexpr std::size_t kMaxManagedPathBytes = 240;
 
 /// Judges a path that came from outside, before it is used below the game folder.
 ///

@@ -6,17 +6,14 @@
 
 #include "update/ascii.h"
 #include "update/decimal.h"
+#include "update/failing.h"
+#include "update/limits.h"
 #include "update/managed_path.h"
 #include "update/release_channel.h"
 #include "update/sha256_text.h"
 
 namespace vorthmere::update {
 namespace {
-
-constexpr std::string_view kHeader = "KVN-UPDATE/1";
-constexpr std::size_t kMaxVersionBytes = 48;
-constexpr std::size_t kMaxUrlBytes = 512;
-constexpr std::size_t kMaxNotesBytes = 240;
 
 bool allPrintable(std::string_view text) {
     return std::all_of(text.begin(), text.end(), isPrintableAscii);
@@ -47,7 +44,10 @@ bool readMandatory(std::string_view value, Manifest& manifest) {
 }
 
 bool readSize(std::string_view value, Manifest& manifest) {
-    return parseDecimal(value, manifest.size) && manifest.size != 0 && manifest.size <= kMaxPackageBytes;
+    std::uint64_t size = 0;
+    if (!parseDecimal(value, size) || size == 0 || size > kMaxPackageBytes) return false;
+    manifest.size = size;
+    return true;
 }
 
 bool readSha256(std::string_view value, Manifest& manifest) {
@@ -109,33 +109,28 @@ std::vector<std::string_view> splitLines(std::string_view text) {
 bool parseManifest(std::string_view text, Manifest& manifest, std::string& error) {
     manifest = {};
     error.clear();
-    const auto fail = [&error](std::string_view sentence) {
-        error = sentence;
-        return false;
-    };
-
     if (text.empty() || text.size() > kMaxManifestBytes || text.find('\0') != std::string_view::npos)
-        return fail("Manifest size is invalid.");
+        return fail(error, "Manifest size is invalid.");
     const std::vector<std::string_view> lines = splitLines(text);
-    if (lines.front() != kHeader) return fail("Manifest header is invalid.");
+    if (lines.front() != kManifestHeader) return fail(error, "Manifest header is invalid.");
 
     std::array<bool, kFields.size()> present{};
     for (std::size_t i = 1; i < lines.size(); ++i) {
         const std::string_view line = lines[i];
         if (line.empty() && i + 1 == lines.size()) break;
         const std::size_t equals = line.find('=');
-        if (equals == std::string_view::npos || equals == 0) return fail("Manifest field is malformed.");
+        if (equals == std::string_view::npos || equals == 0) return fail(error, "Manifest field is malformed.");
 
         const std::string_view key = line.substr(0, equals);
         const auto field = std::find_if(kFields.begin(), kFields.end(), [key](const Field& f) { return f.key == key; });
-        if (field == kFields.end()) return fail("Manifest contains an unknown field.");
+        if (field == kFields.end()) return fail(error, "Manifest contains an unknown field.");
         bool& seen = present[static_cast<std::size_t>(field - kFields.begin())];
-        if (seen) return fail("Manifest contains a duplicate field.");
+        if (seen) return fail(error, "Manifest contains a duplicate field.");
         seen = true;
-        if (!field->read(line.substr(equals + 1), manifest)) return fail(field->fault);
+        if (!field->read(line.substr(equals + 1), manifest)) return fail(error, field->fault);
     }
     if (!std::all_of(present.begin(), present.end(), [](bool seen) { return seen; }))
-        return fail("Manifest is missing a required field.");
+        return fail(error, "Manifest is missing a required field.");
     return true;
 }
 

@@ -1,17 +1,13 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace vorthmere::update {
 
-/// Largest manifest text, in bytes.
-inline constexpr std::size_t kMaxManifestBytes = 8192;
-
-/// Largest complete package that a manifest may announce, in bytes (512 MiB).
-inline constexpr std::uint64_t kMaxPackageBytes = 536870912;
+/// The first line of a manifest.
+inline constexpr std::string_view kManifestHeader = "KVN-UPDATE/1";
 
 /// The one release that the channel offers. Only a record for which parseManifest returned true may be used.
 struct Manifest {

@@ -1,10 +1,12 @@
 #include "update/metadata_file.h"
 
 #include <array>
-#include <fstream>
 #include <system_error>
 
-#include "platform/file_status.h"
+#include "files/file_status.h"
+#include "platform/streams.h"
+#include "update/failing.h"
+#include "update/text.h"
 
 namespace vorthmere::update {
 
@@ -12,22 +14,23 @@ bool readMetadataFile(const std::filesystem::path& path, std::string& contents, 
                       std::uint64_t maxBytes) {
     std::error_code failure;
     const std::uint64_t size = fileSize(path, failure);
-    if (failure || size == 0 || size > maxBytes) {
-        error = L"An update metadata file has an invalid size.";
-        return false;
-    }
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
-        error = L"Unable to read update metadata.";
-        return false;
-    }
+    if (failure || size == 0 || size > maxBytes) return fail(error, L"An update metadata file has an invalid size.");
+    const FileHandle file = openToRead(path, failure);
+    if (failure) return fail(error, L"Unable to read update metadata.");
     contents.clear();
     std::array<char, 16384> block{};
-    while (file) {
-        file.read(block.data(), block.size());
-        contents.append(block.data(), static_cast<std::size_t>(file.gcount()));
-    }
-    return file.eof();
+    while (const std::size_t count = readBytes(file, block.data(), block.size(), failure))
+        contents.append(block.data(), count);
+    return !failure;
+}
+
+bool loadMetadataFile(const std::filesystem::path& path, std::uint64_t maxBytes, const MetadataParser& parse,
+                      std::wstring& error) {
+    std::string text;
+    std::string fault;
+    if (readMetadataFile(path, text, error, maxBytes) && parse(text, fault)) return true;
+    if (error.empty()) error = widen(fault);
+    return false;
 }
 
 }  // namespace vorthmere::update

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
+#include <string_view>
 
 namespace vorthmere::update {
 
@@ -19,5 +21,14 @@ namespace vorthmere::update {
 /// The file is shared with other readers and writers; one that grows after its size was checked is read to its end.
 [[nodiscard]] bool readMetadataFile(const std::filesystem::path& path, std::string& contents, std::wstring& error,
                                     std::uint64_t maxBytes);
+
+/// Parses the text of a metadata file; on failure leaves the sentence in `fault`.
+using MetadataParser = std::function<bool(std::string_view text, std::string& fault)>;
+
+/// Reads a metadata file and parses it.
+///
+/// @param error receives the sentence of a failure: readMetadataFile()'s, or the parser's when it is still empty
+[[nodiscard]] bool loadMetadataFile(const std::filesystem::path& path, std::uint64_t maxBytes,
+                                    const MetadataParser& parse, std::wstring& error);
 
 }  // namespace vorthmere::update

@@ -9,4 +9,8 @@ void reportProgress(const ProgressCallback& progress, std::wstring text, std::ui
     if (progress) progress(std::move(text), std::min<std::uint32_t>(percent, 100));
 }
 
+void reportStep(const ProgressCallback& progress, const Step& step) {
+    reportProgress(progress, std::wstring(step.text), step.percent);
+}
+
 }  // namespace vorthmere::update

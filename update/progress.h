@@ -4,6 +4,8 @@
 #include <functional>
 #include <string>
 
+#include "update/timetable.h"
+
 namespace vorthmere::update {
 
 /// Receives a status text and a percentage; may be empty.
@@ -14,5 +16,8 @@ using ByteProgressCallback = std::function<void(std::uint64_t received, std::uin
 
 /// Hands `text` and `percent`, capped at 100, to `progress`; does nothing when that is empty.
 void reportProgress(const ProgressCallback& progress, std::wstring text, std::uint32_t percent);
+
+/// The same with a step of the timetable.
+void reportStep(const ProgressCallback& progress, const Step& step);
 
 }  // namespace vorthmere::update

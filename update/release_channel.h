@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace vorthmere::update {
@@ -35,5 +36,18 @@ inline constexpr std::string_view kReleaseMarkerName = "kvn_release.txt";
 
 /// The updater's own folder inside the installation; no managed path may name it.
 inline constexpr std::string_view kWorkFolderName = ".kvn-update";
+
+/// The name of the update object with a content.
+///
+/// @param sha256 digest of the content, 64 lower-case hexadecimal digits
+[[nodiscard]] std::string objectName(std::string_view sha256);
+
+/// The address of a file of the channel.
+///
+/// @param name its name below the base
+[[nodiscard]] std::string channelAddress(std::string_view name);
+
+/// The address of a package's file inventory.
+[[nodiscard]] std::string inventoryAddress(std::string_view packageAddress);
 
 }  // namespace vorthmere::update

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "update/decimal.h"
+#include "update/failing.h"
 
 namespace vorthmere::update {
 namespace {
@@ -63,22 +64,18 @@ bool parseUnsigned(std::wstring_view text, std::uint32_t& out) {
 }
 
 bool parseArguments(int argc, const wchar_t* const* argv, Arguments& out, std::wstring& error) {
-    const auto fail = [&error](std::wstring_view sentence) {
-        error = sentence;
-        return false;
-    };
-
     if (argc < 2 || argv[1] != kApply)
-        return fail(L"Usage: KVNUpdater --apply --install <folder> --parent <pid> --current <release>");
+        return fail(error, L"Usage: KVNUpdater --apply --install <folder> --parent <pid> --current <release>");
     OptionValues values;
-    if (!collectOptions(argc, argv, out, values)) return fail(L"The updater command line is invalid.");
+    if (!collectOptions(argc, argv, out, values)) return fail(error, L"The updater command line is invalid.");
 
     const std::wstring* const current = valueOf(values, kCurrent);
     if (!valueOf(values, kInstall) || !current || !parseUnsigned(*current, out.currentRelease) ||
         out.currentRelease == 0)
-        return fail(L"The updater command line is missing the installation or release.");
+        return fail(error, L"The updater command line is missing the installation or release.");
     const std::wstring* const parent = valueOf(values, kParent);
-    if (parent && !parseUnsigned(*parent, out.parentProcessId)) return fail(L"The updater parent process is invalid.");
+    if (parent && !parseUnsigned(*parent, out.parentProcessId))
+        return fail(error, L"The updater parent process is invalid.");
 
     copyPath(values, kInstall, out.install);
     copyPath(values, kManifestFile, out.manifestFile);
@@ -86,14 +83,14 @@ bool parseArguments(int argc, const wchar_t* const* argv, Arguments& out, std::w
     copyPath(values, kInventoryFile, out.inventoryFile);
     copyPath(values, kObjectDirectory, out.objectDirectory);
     if (!std::all_of(values.begin(), values.end(), isKnownOption))
-        return fail(L"The updater command line contains an unknown option.");
+        return fail(error, L"The updater command line contains an unknown option.");
 
     const bool hasManifest = !out.manifestFile.empty();
     const bool hasInventory = !out.inventoryFile.empty();
     if (hasManifest == out.packageFile.empty())
-        return fail(L"Local update testing requires both a manifest file and a package file.");
+        return fail(error, L"Local update testing requires both a manifest file and a package file.");
     if (hasInventory == out.objectDirectory.empty() || (hasInventory && !hasManifest))
-        return fail(L"Local incremental testing requires a manifest, package, inventory, and object directory.");
+        return fail(error, L"Local incremental testing requires a manifest, package, inventory, and object directory.");
     return true;
 }
 

@@ -1,100 +1,92 @@
 #include "updater/complete_package.h"
 
-#include <windows.h>
-
-#include <array>
 #include <system_error>
 
+#include "files/file_status.h"
 #include "install/archive_tool.h"
-#include "install/package_inspection.h"
-#include "platform/file_operations.h"
-#include "platform/file_status.h"
-#include "platform/text.h"
+#include "platform/changes.h"
+#include "platform/programs.h"
 #include "transfer/downloads.h"
 #include "transfer/file_digest.h"
 #include "transfer/transfer_report.h"
+#include "update/archive_listing.h"
+#include "update/text.h"
 #include "updater/download_progress.h"
 
 namespace vorthmere::update {
 namespace {
 
-constexpr UINT kMaxSystemFolderLength = 260;
-
-RunResult bringPackage(const Arguments& arguments, const Manifest& manifest, const std::filesystem::path& package,
-                       std::wstring& error, const ProgressCallback& progress) {
-    if (arguments.packageFile.empty()) {
-        reportProgress(progress, L"Downloading Kelvane " + widen(manifest.version) + L"...", kFirstDownloadPercent);
-        return downloadHttpsFile(widen(manifest.url), package, manifest.size, downloadProgress(manifest, progress),
-                                 error)
-                   ? RunResult::done
-                   : RunResult::downloadFailed;
-    }
-    reportProgress(progress, L"Preparing the verified update package...", 35);
-    std::error_code failure;
-    copyFile(arguments.packageFile, package, Overwrite::yes, failure);
-    if (!failure) return RunResult::done;
-    error = L"Unable to stage the local update package.";
-    return RunResult::localPackageNotCopied;
+ExitCode downloadPackage(const Manifest& manifest, const std::filesystem::path& package, std::wstring& error,
+                         const ProgressCallback& progress) {
+    reportProgress(progress, L"Downloading Kelvane " + widen(manifest.version) + L"...",
+                   timetable::downloadingPackage.first);
+    if (downloadHttpsFile(widen(manifest.url), package, manifest.size, downloadProgress(manifest, progress), error))
+        return ExitCode::done;
+    return ExitCode::downloadFailed;
 }
 
-RunResult verifyPackage(const Manifest& manifest, const std::filesystem::path& package, std::wstring& error,
-                        const ProgressCallback& progress) {
+ExitCode copyPackage(const std::filesystem::path& local, const std::filesystem::path& package, std::wstring& error,
+                     const ProgressCallback& progress) {
+    reportStep(progress, timetable::copyingLocalPackage);
+    if (!copyFile(local, package, Overwrite::yes)) return ExitCode::done;
+    error = L"Unable to stage the local update package.";
+    return ExitCode::localPackageNotCopied;
+}
+
+ExitCode verifyPackage(const Manifest& manifest, const std::filesystem::path& package, std::wstring& error,
+                       const ProgressCallback& progress) {
     std::error_code failure;
     if (fileSize(package, failure) != manifest.size || failure) {
         error = L"The update archive size does not match the release manifest.";
-        return RunResult::packageSizeWrong;
+        return ExitCode::packageSizeWrong;
     }
-    reportProgress(progress, L"Verifying package integrity...", 68);
+    reportStep(progress, timetable::verifyingPackage);
     std::string digest;
-    if (!sha256File(package, digest, error)) return RunResult::packageDigestWrong;
-    if (digest != manifest.sha256) {
-        error = L"The update archive failed SHA-256 verification.";
-        return RunResult::packageDigestWrong;
-    }
-    return RunResult::done;
+    if (!sha256File(package, digest, error)) return ExitCode::packageDigestWrong;
+    if (digest == manifest.sha256) return ExitCode::done;
+    error = L"The update archive failed SHA-256 verification.";
+    return ExitCode::packageDigestWrong;
 }
 
 // Only the system's own tool is trusted: the search path may lead to anything.
-RunResult locateArchiveTool(std::filesystem::path& tool, std::wstring& error) {
-    std::array<wchar_t, kMaxSystemFolderLength + 1> systemFolder{};
-    const UINT length = GetSystemDirectoryW(systemFolder.data(), static_cast<UINT>(systemFolder.size()));
-    if (length == 0 || length > kMaxSystemFolderLength) {
+ExitCode locateArchiveTool(std::filesystem::path& tool, std::wstring& error) {
+    const std::filesystem::path folder = systemFolder();
+    if (folder.empty()) {
         error = L"Unable to locate the Windows archive tool.";
-        return RunResult::systemFolderUnknown;
+        return ExitCode::systemFolderUnknown;
     }
-    tool = std::filesystem::path(systemFolder.data()) / L"tar.exe";
+    tool = folder / "tar.exe";
     std::error_code failure;
-    if (fileType(tool, failure) != FileType::regular) {
-        error = L"This Windows installation does not provide tar.exe. Windows 10 version 1803 or newer is required.";
-        return RunResult::archiveToolMissing;
-    }
-    return RunResult::done;
+    if (fileType(tool, failure) == FileType::regular) return ExitCode::done;
+    error = L"This Windows installation does not provide tar.exe. Windows 10 version 1803 or newer is required.";
+    return ExitCode::archiveToolMissing;
 }
 
-RunResult unpackPackage(const std::filesystem::path& tool, const WorkFolder& work, std::wstring& error,
-                        const ProgressCallback& progress) {
+ExitCode unpackPackage(const std::filesystem::path& tool, const WorkFolder& work, std::wstring& error,
+                       const ProgressCallback& progress) {
     std::string output;
-    reportProgress(progress, L"Inspecting the update package...", 75);
-    if (!runArchiveTool(tool, {L"-tf", work.package.native()}, work.folder, output, error) ||
+    reportStep(progress, timetable::inspectingPackage);
+    if (!runArchiveTool(tool, {L"-tf", work.package.wstring()}, work.folder, output, error) ||
         !checkArchiveListing(output, error))
-        return RunResult::packageListingRejected;
-    reportProgress(progress, L"Unpacking updated game files...", 81);
-    if (!runArchiveTool(tool, {L"-xf", work.package.native(), L"-C", work.staging.native()}, work.folder, output,
+        return ExitCode::packageListingRejected;
+    reportStep(progress, timetable::unpackingPackage);
+    if (!runArchiveTool(tool, {L"-xf", work.package.wstring(), L"-C", work.staging.wstring()}, work.folder, output,
                         error))
-        return RunResult::unpackingFailed;
-    return RunResult::done;
+        return ExitCode::unpackingFailed;
+    return ExitCode::done;
 }
 
 }  // namespace
 
-RunResult stageCompletePackage(const Arguments& arguments, const Manifest& manifest, const WorkFolder& work,
-                               std::wstring& error, const ProgressCallback& progress) {
+ExitCode stageCompletePackage(const Arguments& arguments, const Manifest& manifest, const WorkFolder& work,
+                              std::wstring& error, const ProgressCallback& progress) {
     std::filesystem::path tool;
-    RunResult result = bringPackage(arguments, manifest, work.package, error, progress);
-    if (result == RunResult::done) result = verifyPackage(manifest, work.package, error, progress);
-    if (result == RunResult::done) result = locateArchiveTool(tool, error);
-    if (result == RunResult::done) result = unpackPackage(tool, work, error, progress);
-    if (result == RunResult::done) writeFullTransferReport(work.folder, manifest.size);
+    ExitCode result = arguments.packageFile.empty() ? downloadPackage(manifest, work.package, error, progress)
+                                                    : copyPackage(arguments.packageFile, work.package, error, progress);
+    if (result == ExitCode::done) result = verifyPackage(manifest, work.package, error, progress);
+    if (result == ExitCode::done) result = locateArchiveTool(tool, error);
+    if (result == ExitCode::done) result = unpackPackage(tool, work, error, progress);
+    if (result == ExitCode::done) writeFullTransferReport(work.folder, manifest.size);
     return result;
 }
 

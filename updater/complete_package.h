@@ -3,10 +3,10 @@
 #include <string>
 
 #include "update/arguments.h"
+#include "update/exit_code.h"
 #include "update/manifest.h"
 #include "update/progress.h"
-#include "updater/update_run.h"
-#include "updater/work_folder.h"
+#include "update/work_folder.h"
 
 namespace vorthmere::update {
 
@@ -15,9 +15,9 @@ namespace vorthmere::update {
 ///
 /// @param error    receives the sentence of a failure
 /// @param progress receives 12 % to 81 %; may be empty
-/// @return RunResult::done, or the failing step's code from downloadFailed to unpackingFailed
-[[nodiscard]] RunResult stageCompletePackage(const Arguments& arguments, const Manifest& manifest,
-                                             const WorkFolder& work, std::wstring& error,
-                                             const ProgressCallback& progress);
+/// @return ExitCode::done, or the failing step's code from downloadFailed to unpackingFailed
+[[nodiscard]] ExitCode stageCompletePackage(const Arguments& arguments, const Manifest& manifest,
+                                            const WorkFolder& work, std::wstring& error,
+                                            const ProgressCallback& progress);
 
 }  // namespace vorthmere::update

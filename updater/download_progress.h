@@ -1,14 +1,9 @@
 #pragma once
 
-#include <cstdint>
-
 #include "update/manifest.h"
 #include "update/progress.h"
 
 namespace vorthmere::update {
-
-/// Where the download of the complete package begins on the way of the whole run.
-inline constexpr std::uint32_t kFirstDownloadPercent = 12;
 
 /// Maps the byte counts of the complete package's download to its part of the run, 12 % to 65 %.
 ///

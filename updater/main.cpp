@@ -9,6 +9,7 @@
 #include <thread>
 #include <utility>
 
+#include "update/exit_code.h"
 #include "updater/command_line.h"
 #include "updater/progress_window.h"
 #include "updater/update_run.h"
@@ -18,10 +19,9 @@ namespace {
 
 using namespace vorthmere::update;
 
-// Exit codes of the program's own; those of the run are in RunResult, and WindowState has the one for no outcome.
-constexpr int kCommandLineRejected = 2;
-constexpr int kWindowClassNotRegistered = 3;
-constexpr int kWindowNotCreated = 4;
+constexpr int asNumber(ExitCode code) {
+    return static_cast<int>(code);
+}
 
 struct LocalMemoryDeleter {
     void operator()(wchar_t** memory) const noexcept {
@@ -32,7 +32,8 @@ struct LocalMemoryDeleter {
 // Whatever ends the program without a result: the C library would show a message box first, which no error mode keeps
 // away, and the run would wait for somebody to close it.
 void endAbnormally() noexcept {
-    TerminateProcess(GetCurrentProcess(), STATUS_FATAL_APP_EXIT);
+    static_assert(kAbnormalExitCode == STATUS_FATAL_APP_EXIT);
+    TerminateProcess(GetCurrentProcess(), kAbnormalExitCode);
 }
 
 void initialiseProgressBar() {
@@ -57,7 +58,7 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int showCommand) {
 
     int argc = 0;
     std::unique_ptr<wchar_t*[], LocalMemoryDeleter> argv(CommandLineToArgvW(GetCommandLineW(), &argc));
-    if (!argv) return kCommandLineRejected;
+    if (!argv) return asNumber(ExitCode::commandLineRejected);
 
     Arguments arguments;
     std::wstring error;
@@ -65,15 +66,15 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int showCommand) {
     argv.reset();
     if (!accepted) {
         if (!arguments.testNoUi) MessageBoxW(nullptr, error.c_str(), L"Kelvane Updater", MB_ICONERROR);
-        return kCommandLineRejected;
+        return asNumber(ExitCode::commandLineRejected);
     }
     if (arguments.testNoUi) return runUpdate(std::move(arguments), error, {});
 
     initialiseProgressBar();
-    if (!registerProgressWindow(instance)) return kWindowClassNotRegistered;
+    if (!registerProgressWindow(instance)) return asNumber(ExitCode::windowClassNotRegistered);
     WindowState state;
     state.arguments = std::move(arguments);
-    if (!createProgressWindow(instance, state)) return kWindowNotCreated;
+    if (!createProgressWindow(instance, state)) return asNumber(ExitCode::windowNotCreated);
     ShowWindow(state.window, showCommand);
     UpdateWindow(state.window);
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "update/timetable.h"
 #include "updater/posted_record.h"
 #include "updater/resource_ids.h"
 
@@ -29,7 +30,6 @@ constexpr wchar_t kFontFace[] = L"Segoe UI";
 constexpr int kTitleFontHeight = -27;
 constexpr int kBodyFontHeight = -17;
 
-constexpr int kFullPercent = 100;
 constexpr UINT_PTR kCloseTimer = 1;
 constexpr UINT kCloseDelayMs = 900;
 constexpr int kCloseButtonId = 1001;
@@ -96,7 +96,7 @@ void createContents(WindowState& state, HINSTANCE instance) {
     setFont(state.banner, state.titleFont);
     for (const HWND control : {state.status, state.detail, state.closeButton})
         setFont(control, state.bodyFont);
-    SendMessageW(state.progressBar, PBM_SETRANGE32, 0, kFullPercent);
+    SendMessageW(state.progressBar, PBM_SETRANGE32, 0, timetable::done.percent);
     SendMessageW(state.progressBar, PBM_SETBARCOLOR, 0, kBarColour);
     SendMessageW(state.progressBar, PBM_SETBKCOLOR, 0, kBarBackgroundColour);
 }
@@ -119,11 +119,11 @@ void showProgress(const WindowState& state, const ProgressRecord& progress) {
 }
 
 void showSuccess(const WindowState& state) {
-    SetWindowTextW(state.status, L"Update complete. Welcome back, pilot.");
+    SetWindowTextW(state.status, timetable::done.text.data());
     SetWindowTextW(state.detail, state.arguments.noRelaunch
                                      ? L"The portable update verification completed successfully."
                                      : L"Kelvane is relaunching now.");
-    setBarPosition(state, kFullPercent);
+    setBarPosition(state, timetable::done.percent);
     SetTimer(state.window, kCloseTimer, kCloseDelayMs, nullptr);
 }
 
@@ -143,7 +143,7 @@ void takeOutcome(WindowState& state, OutcomeRecord& outcome) {
 }
 
 void showOutcome(const WindowState& state) {
-    if (state.outcomeCode == 0) {
+    if (state.outcomeCode == static_cast<int>(ExitCode::done)) {
         showSuccess(state);
     } else {
         showFailure(state);

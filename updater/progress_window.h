@@ -4,8 +4,9 @@
 
 #include <string>
 
-#include "platform/unique_handle.h"
+#include "platform/handle.h"
 #include "update/arguments.h"
+#include "update/exit_code.h"
 
 namespace vorthmere::update {
 
@@ -28,7 +29,7 @@ using Brush = UniqueHandle<GdiObjectTraits<HBRUSH>>;
 struct WindowState {
     Arguments arguments;
 
-    int outcomeCode = -1;  ///< the run's code; -1 as long as there is none
+    int outcomeCode = static_cast<int>(ExitCode::noOutcome);  ///< the run's code, once there is one
     std::wstring outcomeText;
     bool busy = true;  ///< the run has not ended; the window refuses to close
 

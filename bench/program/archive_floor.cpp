@@ -26,8 +26,8 @@ void archiveFloor(Arguments arguments) {
     Digester().digest(package);
 
     SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-    const update::FileHandle nowhere(CreateFileW(L"NUL", GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                                 &inheritable, OPEN_EXISTING, 0, nullptr));
+    const update::testing::OpenFile nowhere(CreateFileW(L"NUL", GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                                        &inheritable, OPEN_EXISTING, 0, nullptr));
     require(static_cast<bool>(nowhere), "opening NUL");
     const std::wstring tool = archiveTool();
     runTool(std::array<std::wstring, 3>{tool, L"-tf", package}, nowhere.get());

@@ -20,8 +20,8 @@ void Digester::digest(const std::filesystem::path& path) {
     update::UniqueHandle<HashTraits> hash;
     require(BCRYPT_SUCCESS(BCryptCreateHash(provider_.get(), hash.receive(), nullptr, 0, nullptr, 0, 0)),
             "creating a hash");
-    const update::FileHandle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const update::testing::OpenFile file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                                     nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     require(static_cast<bool>(file), "opening a file to be digested");
     DWORD count = 0;
     do {

@@ -7,8 +7,8 @@
 #include "bench/program/require.h"
 #include "bench/program/stopwatch.h"
 #include "bench/program/subcommands.h"
-#include "platform/text.h"
-#include "platform/unique_handle.h"
+#include "tests/support/windows_handle.h"
+#include "update/text.h"
 
 namespace vorthmere::bench {
 namespace {
@@ -16,7 +16,7 @@ namespace {
 constexpr DWORD kBlockBytes = 65536;
 
 void writeFile(const std::wstring& path, std::uint64_t bytes) {
-    const update::FileHandle file(
+    const update::testing::OpenFile file(
         CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     require(static_cast<bool>(file), "creating a file");
     const std::vector<char> block(kBlockBytes, 'x');
@@ -36,7 +36,7 @@ void downloadFigure(Arguments arguments) {
     const Stopwatch stopwatch;
     const bool succeeded = update::downloadHttpsFile(arguments[0], arguments[1], maxBytes, {}, error);
     const double seconds = stopwatch.seconds();
-    if (!succeeded) throw std::runtime_error(update::toUtf8(error));
+    if (!succeeded) throw std::runtime_error(update::narrow(error));
     printSeconds(seconds);
 }
 

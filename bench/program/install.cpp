@@ -4,9 +4,9 @@
 #include "bench/program/path_list.h"
 #include "bench/program/stopwatch.h"
 #include "bench/program/subcommands.h"
+#include "install/extracted_tree.h"
 #include "install/install_with_backup.h"
-#include "install/package_inspection.h"
-#include "platform/text.h"
+#include "update/text.h"
 
 namespace vorthmere::bench {
 
@@ -18,7 +18,7 @@ void installFigure(Arguments arguments) {
     const bool succeeded =
         update::installWithBackup(folder / "game", folder / "staging", folder / "backup", paths, paths, error);
     const double seconds = stopwatch.seconds();
-    if (!succeeded) throw std::runtime_error(update::toUtf8(error));
+    if (!succeeded) throw std::runtime_error(update::narrow(error));
     printSeconds(seconds);
 }
 
@@ -28,7 +28,7 @@ void inspectFigure(Arguments arguments) {
     const Stopwatch stopwatch;
     const bool succeeded = update::inspectExtractedTree(arguments[0], files, error);
     const double seconds = stopwatch.seconds();
-    if (!succeeded) throw std::runtime_error(update::toUtf8(error));
+    if (!succeeded) throw std::runtime_error(update::narrow(error));
     printSeconds(seconds);
 }
 

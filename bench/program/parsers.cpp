@@ -9,6 +9,7 @@
 #include "bench/program/subcommands.h"
 #include "tests/support/sample_metadata.h"
 #include "update/file_inventory.h"
+#include "update/limits.h"
 #include "update/managed_file_list.h"
 
 namespace vorthmere::bench {
@@ -45,7 +46,7 @@ std::string managedFileList(std::size_t records) {
 
 // Leading zeros of the size fill each record to its share of the largest text.
 std::string inventory(const Manifest& manifest, std::size_t records) {
-    testing::Lines lines = testing::inventoryHeader(manifest);
+    testing::Lines lines = testing::inventoryHeaderLines(manifest);
     const std::size_t header = testing::joinLines(lines).size();
     const std::size_t largest = kMaxInventoryBytes * records / kMaxManagedFiles;
     const std::size_t share = (largest - header) / records - 1;

@@ -7,13 +7,13 @@
 #include "bench/program/require.h"
 #include "bench/program/stopwatch.h"
 #include "bench/program/subcommands.h"
-#include "platform/text.h"
+#include "update/text.h"
 
 namespace vorthmere::bench {
 namespace {
 
 void fetch(PlainGet& channel, const std::string& name, const std::filesystem::path& target) {
-    const update::FileHandle file(
+    const update::testing::OpenFile file(
         CreateFileW(target.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     require(static_cast<bool>(file), "creating a fetched file");
     channel.get(update::widen(name), [&file](const char* bytes, DWORD count) {

@@ -2,7 +2,7 @@
 
 #include "bench/program/require.h"
 #include "install/command_line_quoting.h"
-#include "platform/unique_handle.h"
+#include "tests/support/windows_handle.h"
 
 namespace vorthmere::bench {
 
@@ -21,8 +21,8 @@ DWORD runProgram(std::span<const std::wstring> words, HANDLE output) {
     require(CreateProcessW(words.front().c_str(), commandLine.data(), nullptr, nullptr, output != nullptr, 0, nullptr,
                            nullptr, &startup, &started),
             "starting a program");
-    const update::KernelHandle thread(started.hThread);
-    const update::KernelHandle process(started.hProcess);
+    const update::testing::KernelHandle thread(started.hThread);
+    const update::testing::KernelHandle process(started.hProcess);
     WaitForSingleObject(process.get(), INFINITE);
     DWORD exitCode = STILL_ACTIVE;
     require(GetExitCodeProcess(process.get(), &exitCode), "asking for an exit code");

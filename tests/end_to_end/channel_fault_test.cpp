@@ -19,6 +19,7 @@
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/sample_release.h"
 #include "update/file_inventory.h"
+#include "update/limits.h"
 #include "update/manifest.h"
 #include "update/release_channel.h"
 

@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "fuzz_target.h"
-#include "install/package_inspection.h"
+#include "update/archive_listing.h"
 #include "update/managed_path.h"
 
 namespace vorthmere::update::fuzz {

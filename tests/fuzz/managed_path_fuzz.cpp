@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "fuzz_target.h"
+#include "update/limits.h"
 #include "update/managed_path.h"
 
 namespace vorthmere::update::fuzz {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/unique_handle.h"
+#include "tests/support/windows_handle.h"
 
 namespace vorthmere::update::testing {
 

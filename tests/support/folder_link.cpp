@@ -7,9 +7,9 @@
 #include <string>
 
 #include "install/command_line_quoting.h"
-#include "platform/unique_handle.h"
 #include "tests/support/child_process.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/windows_handle.h"
 
 namespace vorthmere::update::testing {
 namespace {

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "platform/unique_handle.h"
+#include "tests/support/windows_handle.h"
 
 namespace vorthmere::update::testing {
 
@@ -21,7 +21,7 @@ public:
     }
 
 private:
-    FileHandle handle_;
+    OpenFile handle_;
 };
 
 inline void makeReadOnly(const std::filesystem::path& file) {

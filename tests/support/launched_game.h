@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/unique_handle.h"
+#include "tests/support/windows_handle.h"
 
 namespace vorthmere::update::testing {
 

@@ -78,7 +78,7 @@ std::vector<InventoryEntry> sampleEntries() {
     return entries;
 }
 
-Lines inventoryHeader(const Manifest& manifest) {
+Lines inventoryHeaderLines(const Manifest& manifest) {
     return {"KVN-FILES/1", "archive=" + manifest.sha256, "release=" + std::to_string(manifest.release),
             "protocol=" + std::to_string(manifest.protocol), "version=" + manifest.version};
 }
@@ -88,7 +88,7 @@ std::string inventoryLine(const InventoryEntry& entry) {
 }
 
 Lines inventoryLines(const Manifest& manifest, const std::vector<InventoryEntry>& entries) {
-    Lines lines = inventoryHeader(manifest);
+    Lines lines = inventoryHeaderLines(manifest);
     for (const InventoryEntry& entry : entries)
         lines.push_back(inventoryLine(entry));
     return lines;

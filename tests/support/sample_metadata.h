@@ -41,7 +41,7 @@ using Lines = std::vector<std::string>;
 [[nodiscard]] std::vector<InventoryEntry> sampleEntries();
 
 /// The five header lines of a release's file inventory.
-[[nodiscard]] Lines inventoryHeader(const Manifest& manifest);
+[[nodiscard]] Lines inventoryHeaderLines(const Manifest& manifest);
 
 /// One record line of a file inventory.
 [[nodiscard]] std::string inventoryLine(const InventoryEntry& entry);

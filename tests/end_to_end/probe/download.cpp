@@ -1,10 +1,12 @@
+#include <windows.h>
+
 #include <cstdio>
 #include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "platform/file_status.h"
+#include "files/file_status.h"
 #include "tests/end_to_end/probe/subcommands.h"
 #include "transfer/downloads.h"
 #include "transfer/https_client.h"

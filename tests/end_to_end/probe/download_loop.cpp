@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/https.h"
 #include "tests/end_to_end/probe/subcommands.h"
 #include "transfer/downloads.h"
 
@@ -22,7 +23,7 @@ std::size_t highestOfNewInternetHandles() {
     std::vector<update::InternetHandle> sessions(kProbedHandles);
     std::size_t highest = 0;
     for (update::InternetHandle& session : sessions) {
-        session.reset(WinHttpOpen(L"", WINHTTP_ACCESS_TYPE_NO_PROXY, nullptr, nullptr, 0));
+        session = update::openSession(L"");
         highest = std::max(highest, reinterpret_cast<std::size_t>(session.get()));
     }
     return highest;

@@ -1,13 +1,13 @@
 #include <cstdio>
 #include <vector>
 
-#include "platform/unique_handle.h"
 #include "tests/end_to_end/probe/subcommands.h"
+#include "tests/support/windows_handle.h"
 
 namespace vorthmere::probe {
 
 int lock(Arguments arguments) {
-    std::vector<update::FileHandle> files;
+    std::vector<update::testing::OpenFile> files;
     for (const std::wstring& name : arguments) {
         files.emplace_back(CreateFileW(name.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
         if (!files.back()) {

@@ -29,8 +29,8 @@ StartedProcess startProcess(std::span<const std::wstring> words) {
         std::fprintf(stderr, "cannot start %ls: error %lu\n", words.front().c_str(), GetLastError());
         return {};
     }
-    const update::KernelHandle thread(started.hThread);
-    return {update::KernelHandle(started.hProcess), started.dwProcessId};
+    const update::testing::KernelHandle thread(started.hThread);
+    return {update::testing::KernelHandle(started.hProcess), started.dwProcessId};
 }
 
 }  // namespace vorthmere::probe

@@ -3,13 +3,13 @@
 #include <span>
 #include <string>
 
-#include "platform/unique_handle.h"
+#include "tests/support/windows_handle.h"
 
 namespace vorthmere::probe {
 
 /// A process that this one started.
 struct StartedProcess {
-    update::KernelHandle process;
+    update::testing::KernelHandle process;
     DWORD id = 0;
 
     /// True when it has ended within the time, in milliseconds.

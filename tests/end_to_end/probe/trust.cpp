@@ -7,8 +7,8 @@
 #include <fstream>
 #include <iterator>
 
-#include "platform/unique_handle.h"
 #include "tests/end_to_end/probe/subcommands.h"
+#include "tests/support/windows_handle.h"
 
 namespace vorthmere::probe {
 namespace {

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdio>
 
-#include "platform/text.h"
+#include "update/text.h"
 
 namespace vorthmere::probe {
 namespace {
@@ -60,7 +60,7 @@ std::wstring windowText(HWND window) {
 
 void printLine(std::wstring_view text) {
     std::string line;
-    for (const char c : update::toUtf8(text)) {
+    for (const char c : update::narrow(text)) {
         if (c == '\n')
             line += "\\n";
         else

@@ -9,6 +9,7 @@
 #include "publisher/release_hashing.h"
 #include "publisher/sha256.h"
 #include "tests/unit/publisher/publishing.h"
+#include "update/limits.h"
 #include "update/manifest.h"
 
 namespace vorthmere::publish::testing {

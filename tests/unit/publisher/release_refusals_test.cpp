@@ -11,6 +11,7 @@
 #include "tests/unit/publisher/no_privileges.h"
 #include "tests/unit/publisher/publishing.h"
 #include "tests/unit/publisher/system_faults.h"
+#include "update/limits.h"
 #include "update/managed_file_list.h"
 #include "update/release_channel.h"
 

@@ -1,0 +1,56 @@
+#include "files/canonical_path.h"
+
+#include <algorithm>
+#include <string>
+
+#include "platform/entries.h"
+#include "platform/failure.h"
+
+namespace vorthmere::update {
+namespace {
+
+/// True for a drive and for a network share: what would be their parent is no folder.
+bool isRoot(const std::filesystem::path& path) {
+    const auto isSeparator = [](auto c) { return c == '/' || c == '\\'; };
+    const std::filesystem::path::string_type& name = path.native();
+    if (name.size() > 2 && isSeparator(name[0]) && isSeparator(name[1]))
+        return std::count_if(name.begin() + 2, name.end(), isSeparator) < 2;
+    return !path.has_relative_path();
+}
+
+}  // namespace
+
+std::filesystem::path absolutePath(const std::filesystem::path& path) {
+    if (path.empty()) return {};
+    std::error_code failure;
+    std::filesystem::path absolute = fullPath(path, failure);
+    if (failure) throw std::filesystem::filesystem_error("absolute", path, failure);
+    return absolute;
+}
+
+std::filesystem::path weaklyCanonicalPath(const std::filesystem::path& path, std::error_code& failure) {
+    failure.clear();
+    if (path.empty()) return {};
+    // The system folds "." and "..": path::lexically_normal() takes one of the two backslashes with which the path of a
+    // network folder begins, where the library does not know such paths.
+    std::filesystem::path whole = fullPath(path, failure);
+    if (failure) return {};
+    std::filesystem::path existing = whole;
+    std::filesystem::path rest;
+    while (!existing.empty()) {
+        const FileHandle file = openForItsName(existing, failure);
+        if (file) {
+            // Whatever this fails with, the folder is there: for a volume without a letter it is "path not found".
+            const std::filesystem::path resolved = finalPath(file, failure);
+            return rest.empty() || failure ? resolved : resolved / rest;
+        }
+        if (!isNotFound(failure)) return {};
+        if (isRoot(existing)) break;
+        rest = rest.empty() ? existing.filename() : existing.filename() / rest;
+        existing = existing.parent_path();
+    }
+    failure.clear();
+    return whole;
+}
+
+}  // namespace vorthmere::update

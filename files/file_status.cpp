@@ -1,0 +1,52 @@
+#include "files/file_status.h"
+
+#include "platform/entries.h"
+#include "platform/failure.h"
+
+namespace vorthmere::update {
+namespace {
+
+// Only opening the path follows a link; most paths are none, and asking for the entry is cheaper.
+EntryFacts factsFollowingLinks(const std::filesystem::path& path, std::error_code& failure) {
+    const EntryFacts entry = entryFacts(path, failure);
+    return !failure && entry.attributes.isReparsePoint() ? targetFacts(path, failure) : entry;
+}
+
+FileType classify(EntryAttributes attributes) {
+    if (attributes.isDevice()) return FileType::other;
+    return attributes.isFolder() ? FileType::directory : FileType::regular;
+}
+
+FileType classifyFailure(std::error_code& failure) {
+    if (!isNotFound(failure)) return FileType::other;
+    failure.clear();
+    return FileType::notFound;
+}
+
+}  // namespace
+
+FileType fileType(const std::filesystem::path& path, std::error_code& failure) {
+    const EntryFacts facts = factsFollowingLinks(path, failure);
+    return failure ? classifyFailure(failure) : classify(facts.attributes);
+}
+
+FileType fileTypeOrThrow(const std::filesystem::path& path, const char* operation) {
+    std::error_code failure;
+    const FileType type = fileType(path, failure);
+    if (failure) throw std::filesystem::filesystem_error(operation, path, failure);
+    return type;
+}
+
+FileType entryType(const std::filesystem::path& path, std::error_code& failure) {
+    const EntryFacts facts = entryFacts(path, failure);
+    if (failure) return classifyFailure(failure);
+    return facts.attributes.isReparsePoint() ? FileType::other : classify(facts.attributes);
+}
+
+std::uint64_t fileSize(const std::filesystem::path& path, std::error_code& failure) {
+    const EntryFacts facts = factsFollowingLinks(path, failure);
+    if (!failure && facts.attributes.isFolder()) failure = std::make_error_code(std::errc::is_a_directory);
+    return failure ? 0 : facts.size;
+}
+
+}  // namespace vorthmere::update

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <system_error>
+
+namespace vorthmere::update {
+
+/// Every call of the platform that can fail tells why by Windows' error number, as a std::error_code: one that only
+/// acts returns it, one that yields something takes it as its last parameter and clears it on success. These are the
+/// numbers that the program tells apart.
+enum class WindowsError : std::uint32_t {
+    fileNotFound = 2,
+    pathNotFound = 3,
+    accessDenied = 5,
+    badNetworkPath = 53,
+    badNetworkName = 67,
+    invalidParameter = 87,
+    invalidName = 123,
+    notADirectory = 267,
+};
+
+[[nodiscard]] inline std::error_code failureOf(std::uint32_t number) {
+    return {static_cast<int>(number), std::system_category()};
+}
+
+[[nodiscard]] inline bool operator==(const std::error_code& failure, WindowsError error) {
+    return failure.category() == std::system_category() && failure.value() == static_cast<int>(error);
+}
+
+/// True for the errors that mean "there is nothing at this path", as opposed to "it cannot be told".
+[[nodiscard]] inline bool isNotFound(const std::error_code& failure) {
+    return failure == WindowsError::fileNotFound || failure == WindowsError::pathNotFound ||
+           failure == WindowsError::badNetworkPath || failure == WindowsError::badNetworkName ||
+           failure == WindowsError::invalidName || failure == WindowsError::notADirectory;
+}
+
+/// The calling thread's last error; to be called before anything else can replace it. Never "no error": a call that
+/// failed without a reason still failed.
+[[nodiscard]] std::error_code lastFailure();
+
+}  // namespace vorthmere::update

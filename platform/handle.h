@@ -1,0 +1,69 @@
+#pragma once
+
+#include <utility>
+
+namespace vorthmere::update {
+
+/// Owns one handle and closes it at the end of its life.
+///
+/// `Traits` names the handle's type (`Type`), the value that stands for "none" (`none()`), and how to close one
+/// (`close(Type)`). Storing a handle closes the one that was held before.
+template <typename Traits>
+class UniqueHandle {
+public:
+    using Type = typename Traits::Type;
+
+    UniqueHandle() noexcept = default;
+    explicit UniqueHandle(Type handle) noexcept : handle_(handle) {}
+    UniqueHandle(UniqueHandle&& other) noexcept : handle_(other.release()) {}
+    UniqueHandle& operator=(UniqueHandle&& other) noexcept {
+        reset(other.release());
+        return *this;
+    }
+    UniqueHandle(const UniqueHandle&) = delete;
+    UniqueHandle& operator=(const UniqueHandle&) = delete;
+    ~UniqueHandle() {
+        reset();
+    }
+
+    [[nodiscard]] Type get() const noexcept {
+        return handle_;
+    }
+
+    explicit operator bool() const noexcept {
+        return handle_ != Traits::none();
+    }
+
+    [[nodiscard]] Type release() noexcept {
+        return std::exchange(handle_, Traits::none());
+    }
+
+    void reset(Type handle = Traits::none()) noexcept {
+        const Type previous = std::exchange(handle_, handle);
+        if (previous != Traits::none() && previous != handle) Traits::close(previous);
+    }
+
+    /// Closes the handle held and gives the place where a call may put a new one.
+    [[nodiscard]] Type* receive() noexcept {
+        reset();
+        return &handle_;
+    }
+
+private:
+    Type handle_ = Traits::none();
+};
+
+/// A handle whose holder does not look inside. `closeHandle` closes one and keeps the thread's last error, so that a
+/// failed call can still be asked for its reason after the end of a scope.
+template <void closeHandle(void*) noexcept>
+struct OpaqueHandleTraits {
+    using Type = void*;
+    static Type none() noexcept {
+        return nullptr;
+    }
+    static void close(Type handle) noexcept {
+        closeHandle(handle);
+    }
+};
+
+}  // namespace vorthmere::update

@@ -1,0 +1,50 @@
+#include "platform/streams.h"
+
+#include <windows.h>
+
+#include "platform/windows/windows_result.h"
+
+namespace vorthmere::update {
+namespace {
+
+// As the C library opens streams: the game, or a virus scanner, may have the file open as well.
+constexpr DWORD kSharedWithReadersAndWriters = FILE_SHARE_READ | FILE_SHARE_WRITE;
+
+FileHandle openFile(const std::filesystem::path& file, DWORD access, DWORD disposition, std::error_code& failure) {
+    const HANDLE handle = CreateFileW(file.c_str(), access, kSharedWithReadersAndWriters, nullptr, disposition,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr);
+    failure = resultOf(handle != INVALID_HANDLE_VALUE);
+    return FileHandle(failure ? nullptr : handle);
+}
+
+}  // namespace
+
+void closeFileHandle(void* handle) noexcept {
+    closeQuietly(handle);
+}
+
+FileHandle openToRead(const std::filesystem::path& file, std::error_code& failure) {
+    return openFile(file, GENERIC_READ, OPEN_EXISTING, failure);
+}
+
+FileHandle createToWrite(const std::filesystem::path& file, std::error_code& failure) {
+    return openFile(file, GENERIC_WRITE, CREATE_ALWAYS, failure);
+}
+
+std::size_t readBytes(const FileHandle& file, void* buffer, std::size_t size, std::error_code& failure) {
+    DWORD count = 0;
+    failure = resultOf(ReadFile(file.get(), buffer, static_cast<DWORD>(size), &count, nullptr));
+    return failure ? 0 : count;
+}
+
+std::error_code writeBytes(const FileHandle& file, const void* bytes, std::size_t size) {
+    DWORD count = 0;
+    if (!WriteFile(file.get(), bytes, static_cast<DWORD>(size), &count, nullptr)) return lastFailure();
+    return count == size ? std::error_code() : failureOf(ERROR_DISK_FULL);
+}
+
+std::error_code closeFile(FileHandle file) {
+    return resultOf(CloseHandle(file.release()));
+}
+
+}  // namespace vorthmere::update

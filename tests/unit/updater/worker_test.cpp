@@ -1,0 +1,113 @@
+#include "updater/worker.h"
+
+#include <gmock/gmock.h>
+
+#include <thread>
+#include <vector>
+
+#include "tests/support/heap_use.h"
+#include "tests/support/sample_metadata.h"
+#include "tests/support/temporary_folder.h"
+#include "updater/posted_record.h"
+
+namespace vorthmere::update {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::FieldsAre;
+using ::testing::IsEmpty;
+
+/// Runs the worker on a thread of its own and collects what it posts.
+class WorkerTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        window = CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+        ASSERT_TRUE(window);
+        arguments.install = installation.path();
+        arguments.currentRelease = 42;
+        arguments.noRelaunch = true;
+    }
+    void TearDown() override {
+        DestroyWindow(window);
+    }
+
+    void makeCurrentInstallation() {
+        for (const char* name : {"Vorthmere.exe", "KVNUpdater.exe", "KVN_MANAGED_FILES.txt"})
+            testing::writeFile(installation / name, "x");
+        arguments.manifestFile = installation / "offered.manifest";
+        arguments.packageFile = installation / "offered.zip";
+        testing::writeFile(arguments.manifestFile,
+                           testing::joinLines(testing::manifestLines(testing::sampleManifest())));
+    }
+
+    void work() {
+        std::thread worker(runWorker, arguments, window);
+        worker.join();
+        MSG message{};
+        while (PeekMessageW(&message, window, 0, 0, PM_REMOVE))
+            take(message);
+    }
+
+    void take(const MSG& message) {
+        if (message.message == ProgressRecord::kMessage) {
+            EXPECT_THAT(outcomes, IsEmpty()) << "progress behind the outcome";
+            progress.push_back(std::move(*receiveRecord<ProgressRecord>(message.lParam)));
+        } else if (message.message == OutcomeRecord::kMessage) {
+            outcomes.push_back(std::move(*receiveRecord<OutcomeRecord>(message.lParam)));
+        } else {
+            ADD_FAILURE() << "unexpected message " << message.message;
+        }
+    }
+
+    testing::TemporaryFolder installation;
+    Arguments arguments;
+    HWND window = nullptr;
+    std::vector<ProgressRecord> progress;
+    std::vector<OutcomeRecord> outcomes;
+};
+
+TEST_F(WorkerTest, RunThatIsRefusedAtOncePostsNothingButItsOutcome) {
+    work();
+    EXPECT_THAT(progress, IsEmpty());
+    EXPECT_THAT(outcomes, ElementsAre(FieldsAre(10, L"This is not a writable Kelvane portable installation.")));
+}
+
+TEST_F(WorkerTest, EveryStepIsPostedInOrderAndTheOutcomeLast) {
+    makeCurrentInstallation();
+    work();
+    EXPECT_THAT(progress, ElementsAre(FieldsAre(L"Checking the alpha channel...", 5u),
+                                      FieldsAre(L"This installation is already current.", 100u)));
+    EXPECT_THAT(outcomes, ElementsAre(FieldsAre(0, L"")));
+}
+
+TEST_F(WorkerTest, RunWithoutAWindowEndsAndLeavesNothingOnTheHeap) {
+    makeCurrentInstallation();
+    DestroyWindow(window);
+    work();
+    const std::size_t before = testing::heapInUse();
+    for (int i = 0; i < 20; ++i)
+        runWorker(arguments, window);
+    EXPECT_EQ(testing::heapInUse(), before);
+    EXPECT_THAT(progress, IsEmpty());
+    EXPECT_THAT(outcomes, IsEmpty());
+}
+
+TEST_F(WorkerTest, RecordsOfAWholeRunLeaveNothingOnTheHeap) {
+    makeCurrentInstallation();
+    const auto workAndForget = [this] {
+        runWorker(arguments, window);
+        MSG message{};
+        while (PeekMessageW(&message, window, 0, 0, PM_REMOVE))
+            take(message);
+        progress = {};
+        outcomes = {};
+    };
+    workAndForget();
+    const std::size_t before = testing::heapInUse();
+    for (int i = 0; i < 20; ++i)
+        workAndForget();
+    EXPECT_EQ(testing::heapInUse(), before);
+}
+
+}  // namespace
+}  // namespace vorthmere::update

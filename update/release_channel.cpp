@@ -1,0 +1,25 @@
+#include "update/release_channel.h"
+
+namespace vorthmere::update {
+namespace {
+
+std::string join(std::string_view a, std::string_view b, std::string_view c = {}) {
+    std::string text(a);
+    return text.append(b).append(c);
+}
+
+}  // namespace
+
+std::string objectName(std::string_view sha256) {
+    return join(kObjectNamePrefix, sha256, kObjectNameSuffix);
+}
+
+std::string channelAddress(std::string_view name) {
+    return join(kDownloadBaseUrl, name);
+}
+
+std::string inventoryAddress(std::string_view packageAddress) {
+    return join(packageAddress, kInventorySuffix);
+}
+
+}  // namespace vorthmere::update

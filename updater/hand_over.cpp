@@ -1,0 +1,74 @@
+#include "updater/hand_over.h"
+
+#include <vector>
+
+#include "files/file_changes.h"
+#include "install/extracted_tree.h"
+#include "install/install_with_backup.h"
+#include "install/relaunch.h"
+#include "platform/failure.h"
+#include "platform/programs.h"
+#include "update/failing.h"
+#include "update/managed_file_list.h"
+
+namespace vorthmere::update {
+namespace {
+
+constexpr std::uint32_t kGameExitTimeoutMs = 120000;
+
+using Paths = std::vector<std::string>;
+
+bool stagedTreeMatches(const std::filesystem::path& staging, const Paths& listed, std::wstring& error) {
+    ExtractedFiles staged;
+    if (inspectExtractedTree(staging, staged, error) && staged == ExtractedFiles(listed.begin(), listed.end()))
+        return true;
+    if (error.empty()) error = L"The update package and managed-file list do not match.";
+    return false;
+}
+
+bool waitForGame(std::uint32_t processId, std::wstring& error) {
+    if (processId == 0) return true;
+    std::error_code failure;
+    const ProcessHandle game = openProcess(processId, failure);
+    // There is no such process: the game has exited already.
+    if (failure == WindowsError::invalidParameter) return true;
+    if (failure) return fail(error, L"Unable to wait for the running game to close.");
+    return waitForEnd(game, kGameExitTimeoutMs) || fail(error, L"The game did not close within two minutes.");
+}
+
+// The same installation with folders and lists swapped: the new files leave for the staging folder, the previous ones
+// return from the backup.
+void restorePreviousRelease(const Arguments& arguments, const WorkFolder& work, const Paths& newList,
+                            const Paths& installedList, std::wstring& error) {
+    std::wstring dropped;
+    if (!installWithBackup(arguments.install, work.backup, work.staging, newList, installedList, dropped))
+        error += L" The previous build also could not be restored automatically.";
+}
+
+}  // namespace
+
+ExitCode handOver(const Arguments& arguments, const WorkFolder& work, std::wstring& error,
+                  const ProgressCallback& progress) {
+    Paths newList;
+    Paths installedList;
+    if (!loadManagedFileList(work.staging, newList, error)) return ExitCode::newListUnreadable;
+    if (!stagedTreeMatches(work.staging, newList, error)) return ExitCode::stagedTreeMismatch;
+    if (!loadManagedFileList(arguments.install, installedList, error)) return ExitCode::installedListUnreadable;
+
+    reportStep(progress, timetable::waitingForGame);
+    if (!waitForGame(arguments.parentProcessId, error)) return ExitCode::gameStillRunning;
+
+    std::vector<std::filesystem::path> created;
+    const std::error_code failure = createFolders(work.backup, created);
+    reportStep(progress, timetable::installing);
+    if (failure) return ExitCode::installationFailed;
+    if (!installWithBackup(arguments.install, work.staging, work.backup, installedList, newList, error))
+        return ExitCode::installationFailed;
+
+    reportStep(progress, timetable::launchingGame);
+    if (arguments.noRelaunch || relaunchGame(arguments.install, error)) return ExitCode::done;
+    restorePreviousRelease(arguments, work, newList, installedList, error);
+    return ExitCode::relaunchFailed;
+}
+
+}  // namespace vorthmere::update
