@@ -261,9 +261,7 @@ private:
         if (!lock_) return;
         std::string stays;
         static_cast<void>(removeTree(work_, stays));
-        if (published) return;
-        for (auto folder = made_.rbegin(); folder != made_.rend(); ++folder)
-            removeIfEmpty(*folder);
+        if (!published) removeMadeFolders(made_, std::move(lock_));
     }
 
     void summarize() {

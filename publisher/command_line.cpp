@@ -89,8 +89,28 @@ void addBuild(CLI::App& build, Command& command, WrittenNumbers& numbers) {
         "published.");
 }
 
+void takeChannel(const std::string& text, CheckRequest& request) {
+    if (!text.starts_with("https://")) {
+        request.channel = pathOf(text);
+        return;
+    }
+    request.address = text.ends_with('/') ? text : text + "/";
+}
+
 void addCheck(CLI::App& check, Command& command) {
-    addPath(check, "--channel", command.check.channel, "FOLDER", "Folder that the server serves");
+    check
+        .add_option_function<std::string>(
+            "--channel", [&command](const std::string& text) { takeChannel(text, command.check); },
+            "Folder that the server serves, or the https address at which it does, to fetch what players would")
+        ->required()
+        ->type_name("FOLDER|ADDRESS");
+#ifndef _WIN32
+    check
+        .add_option_function<std::string>(
+            "--ca-file", [&command](const std::string& text) { command.check.caFile = pathOf(text); },
+            "With an address: trust these certificates instead of the system's")
+        ->type_name("FILE");
+#endif
     check.add_flag("--allow-folder-changes", command.check.allowFolderChanges,
                    "Report a file that is a folder in an older release, or the reverse, as no fault");
     addOutputOptions(check, command);

@@ -16,7 +16,9 @@ inline constexpr int kRefused = 1;
 inline constexpr int kWrongCommandLine = 2;
 
 struct CheckRequest {
-    std::filesystem::path channel;
+    std::string address;            ///< of a channel that is served, ending in "/"; empty for a folder
+    std::filesystem::path channel;  ///< the folder
+    std::filesystem::path caFile;   ///< certificates to trust instead of the system's
     bool allowFolderChanges = false;
 };
 

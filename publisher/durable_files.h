@@ -92,9 +92,6 @@ private:
 /// Removes one file.
 [[nodiscard]] bool removeFile(const std::filesystem::path& file, std::string& error);
 
-/// Removes one folder if it is empty; one that is not stays.
-void removeIfEmpty(const std::filesystem::path& folder);
-
 /// Removes a folder with all that is in it, but nothing that links in it lead to. One that does not exist is no error.
 [[nodiscard]] bool removeTree(const std::filesystem::path& folder, std::string& error);
 
@@ -106,5 +103,9 @@ void removeIfEmpty(const std::filesystem::path& folder);
 /// @param lock  receives the lock on success, else left as it was
 /// @return false with a sentence when another process holds the lock or the folder cannot be opened or locked
 [[nodiscard]] bool lockFolder(const std::filesystem::path& folder, Descriptor& lock, std::string& error);
+
+/// Removes folders that createFolders() has made, as far as they are empty, and gives up the lock on the innermost. No
+/// folder is removed that another process has locked.
+void removeMadeFolders(const std::vector<std::filesystem::path>& made, Descriptor lock);
 
 }  // namespace vorthmere::publish

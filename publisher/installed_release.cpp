@@ -13,9 +13,9 @@
 #include "publisher/release_hashing.h"
 #include "publisher/release_texts.h"
 #include "update/ascii.h"
+#include "update/limits.h"
 #include "update/managed_file_list.h"
 #include "update/metadata_file.h"
-#include "update/limits.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish {

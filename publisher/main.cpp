@@ -2,6 +2,7 @@
 #include <iostream>
 #include <system_error>
 
+#include "publisher/check_served_channel.h"
 #include "publisher/command_line.h"
 #include "publisher/console.h"
 #include "publisher/interruption.h"
@@ -12,13 +13,18 @@
 namespace vorthmere::publish {
 namespace {
 
+ChannelReport checkAsAsked(const CheckRequest& request, Console& console) {
+    return request.address.empty() ? checkChannel(request.channel, request.allowFolderChanges, console)
+                                   : checkServedChannel(request.address, request.caFile, console);
+}
+
 void run(const Command& command, Console& console, Outcome& outcome) {
     switch (command.action) {
         case Action::build:
             outcome.hasSucceeded = buildRelease(command.build, console, outcome.release, outcome.error);
             break;
         case Action::check:
-            outcome.channel = checkChannel(command.check.channel, command.check.allowFolderChanges, console);
+            outcome.channel = checkAsAsked(command.check, console);
             outcome.hasSucceeded = outcome.channel.faults.empty();
             break;
         case Action::plan:

@@ -3,11 +3,14 @@
 #include <archive.h>
 #include <archive_entry.h>
 
+#include <cstdio>
 #include <map>
 #include <memory>
 #include <string_view>
 #include <thread>
 
+#include "publisher/channel_file.h"
+#include "publisher/durable_files.h"
 #include "publisher/in_quotes.h"
 #include "publisher/interruption.h"
 #include "publisher/parallel_work.h"
@@ -25,12 +28,46 @@ struct ReadArchiveRelease {
     }
 };
 
+/// What the library reads from.
+struct PackageInput {
+    InputFile file;
+    std::uint64_t size = 0;
+    std::uint64_t position = 0;
+    std::vector<char> block;
+};
+
+la_ssize_t readBlock(archive*, void* context, const void** bytes) {
+    auto& input = *static_cast<PackageInput*>(context);
+    std::size_t count = 0;
+    std::string unreadable;
+    if (!input.file.readAt(input.position, input.block, count, unreadable)) return ARCHIVE_FATAL;
+    input.position += count;
+    *bytes = input.block.data();
+    return static_cast<la_ssize_t>(count);
+}
+
+la_int64_t seekTo(archive*, void* context, la_int64_t offset, int origin) {
+    auto& input = *static_cast<PackageInput*>(context);
+    const std::uint64_t from = origin == SEEK_END ? input.size : origin == SEEK_CUR ? input.position : 0;
+    input.position = from + static_cast<std::uint64_t>(offset);
+    return static_cast<la_int64_t>(input.position);
+}
+
 class PackageReader {
 public:
     bool open(const std::filesystem::path& package, std::string& error) {
+        // The library jumps from entry to entry, and most are smaller than a block for copying.
+        constexpr std::size_t kReadBytes = 65536;
+        input_.block.resize(kReadBytes);
+        input_.size = lookAtFile(package).size;
+        if (!input_.file.open(package, error)) return false;
         zip_.reset(archive_read_new());
-        const bool opened = zip_ && archive_read_support_format_zip_seekable(zip_.get()) == ARCHIVE_OK &&
-                            archive_read_open_filename(zip_.get(), package.c_str(), kBlockBytes) == ARCHIVE_OK;
+        archive* const zip = zip_.get();
+        const bool opened = zip && archive_read_support_format_zip_seekable(zip) == ARCHIVE_OK &&
+                            archive_read_set_read_callback(zip, readBlock) == ARCHIVE_OK &&
+                            archive_read_set_seek_callback(zip, seekTo) == ARCHIVE_OK &&
+                            archive_read_set_callback_data(zip, &input_) == ARCHIVE_OK &&
+                            archive_read_open1(zip) == ARCHIVE_OK;
         return opened || fail(error);
     }
 
@@ -69,6 +106,7 @@ private:
         return false;
     }
 
+    PackageInput input_;
     std::unique_ptr<archive, ReadArchiveRelease> zip_;
 };
 

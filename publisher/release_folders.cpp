@@ -4,6 +4,7 @@
 
 #include "publisher/entry_facts.h"
 #include "publisher/in_quotes.h"
+#include "publisher/resolved_path.h"
 
 namespace vorthmere::publish {
 namespace {
@@ -33,15 +34,17 @@ bool judgeChannel(const fs::path& channel, std::string& error) {
 
 bool judgeFolders(const fs::path& gameFolder, const fs::path& channel, std::string& error) {
     std::error_code failure;
-    if (!fs::is_directory(gameFolder, failure)) {
+    if (factsOfTarget(gameFolder, failure).kind != EntryKind::folder) {
         error = "The game folder " + inQuotes(gameFolder) + " is not a folder.";
         return false;
     }
     if (!channel.empty() && !judgeChannel(channel, error)) return false;
-    const fs::path game = fs::canonical(gameFolder, failure);
+    const fs::path game = resolvedPath(gameFolder, failure);
     fs::path place;
-    if (!failure) place = fs::absolute(channel, failure);
-    if (!failure) place = fs::weakly_canonical(place, failure);
+    if (channel.empty())
+        failure = std::make_error_code(std::errc::invalid_argument);
+    else if (!failure)
+        place = resolvedPath(channel, failure);
     if (failure) {
         error = "Where the channel " + inQuotes(channel) + " lies cannot be found out: " + failure.message() + ".";
         return false;

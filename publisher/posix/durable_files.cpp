@@ -164,4 +164,10 @@ bool lockFolder(const fs::path& folder, Descriptor& lock, std::string& error) {
     return false;
 }
 
+// The lock is on the folder itself: until it is removed, nobody else gets it.
+void removeMadeFolders(const std::vector<fs::path>& made, Descriptor) {
+    for (auto folder = made.rbegin(); folder != made.rend(); ++folder)
+        if (rmdir(folder->c_str()) != 0) return;
+}
+
 }  // namespace vorthmere::publish

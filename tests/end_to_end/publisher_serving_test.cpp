@@ -117,5 +117,65 @@ TEST_F(PublisherServingTest, DocumentedServerServesAChannelToTheUpdaterAndNothin
     fs::remove_all(run_);
 }
 
+class ServedChannelCheckTest : public PublisherServingTest {
+protected:
+    ServedChannelCheckTest() {
+        const std::string der = (channelCertificates() / "authority.der").string();
+        ChildProcess({"/usr/bin/openssl", "x509", "-inform", "der", "-in", der, "-out", authority_.string()})
+            .wait(kAnswerLimit);
+    }
+
+    [[nodiscard]] ToolEnd check() const {
+        return runPublisher({"check", "--channel", channelUrl(""), "--ca-file", authority_.string()});
+    }
+
+    const fs::path authority_ = scenario.root / "authority.pem";
+};
+
+TEST_F(ServedChannelCheckTest, DocumentedServerIsSoundUntilAFileIsMissing) {
+    {
+        const DocumentedServer server(channel_.parent_path(), run_);
+        static_cast<void>(answers({"KVN-alpha.manifest"}));
+        ToolEnd end = check();
+        EXPECT_EQ(end.exitCode, 0) << end.output;
+        EXPECT_THAT(end.output, testing::HasSubstr("The channel is sound"));
+
+        const std::string object = objectName(readFile(game_ / "KVNUpdater.exe"));
+        fs::remove(channel_ / object);
+        writeFile(channel_ / "KVN-release-42.zip", readFile(channel_ / "KVN-release-42.zip") + "more");
+        end = check();
+        EXPECT_EQ(end.exitCode, 1);
+        EXPECT_THAT(end.output, testing::AllOf(testing::HasSubstr("\"" + object + "\" is answered with HTTP 404."),
+                                               testing::HasSubstr("\"KVN-release-42.zip\" cannot be fetched: it is "
+                                                                  "larger than"),
+                                               testing::HasSubstr("The channel has 2 faults.")));
+    }
+    fs::remove_all(run_);
+}
+
+TEST_F(ServedChannelCheckTest, ManifestThatMayBeCachedIsAFault) {
+    const PlainChannel server(channel_);
+    const ToolEnd end = check();
+    EXPECT_EQ(end.exitCode, 1);
+    EXPECT_THAT(end.output, testing::HasSubstr("\"KVN-alpha.manifest\" may be cached on its way"));
+}
+
+TEST_F(ServedChannelCheckTest, UnknownAuthorityIsAFault) {
+    const PlainChannel server(channel_);
+    const ToolEnd end = runPublisher({"check", "--channel", channelUrl("")});
+    EXPECT_EQ(end.exitCode, 1);
+    EXPECT_THAT(end.output, testing::HasSubstr("\"KVN-alpha.manifest\" cannot be fetched: "));
+}
+
+TEST_F(ServedChannelCheckTest, RedirectIsAFault) {
+    FaultServer server;
+    const std::string nothing = "KVN-file-" + std::string(64, '0') + ".bin";
+    server.answer(channelPath("KVN-alpha.manifest"), "status=302 location=" + channelUrl("other"));
+    server.answer(channelPath(nothing), "status=404");
+    const ToolEnd end = check();
+    EXPECT_EQ(end.exitCode, 1);
+    EXPECT_THAT(end.output, testing::HasSubstr("\"KVN-alpha.manifest\" is answered with HTTP 30"));
+}
+
 }  // namespace
 }  // namespace vorthmere::end_to_end
