@@ -1,9 +1,10 @@
 #include "publisher/process_arguments.h"
 
+#include <windows.h>
+
 #include <fcntl.h>
 #include <io.h>
 #include <shellapi.h>
-#include <windows.h>
 
 #include <cstdio>
 #include <filesystem>
