@@ -19,3 +19,15 @@ function(kvn_delay_load target)
         endif()
     endforeach()
 endfunction()
+
+# kvn_load_from_system_only(TARGET): lets Windows take the DLLs that a program imports from its own folder alone, from
+# version 1607 on. What the program loads later is its own business. LLVM's linker has no option for this in its role for
+# MinGW, but takes the table in which the flag stands from the program.
+function(kvn_load_from_system_only target)
+    if(MSVC)
+        target_link_options(${target} PRIVATE /DEPENDENTLOADFLAG:0x800)
+    else()
+        target_sources(${target} PRIVATE "${CMAKE_SOURCE_DIR}/platform/windows/load_configuration.cpp")
+        target_link_options(${target} PRIVATE "-Wl,--undefined=_load_config_used")
+    endif()
+endfunction()

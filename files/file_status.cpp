@@ -42,7 +42,7 @@ FileType fileTypeBelowOrThrow(const std::filesystem::path& folder, const std::fi
     const FileType type = fileTypeOrThrow(folder / relativePath, operation);
     if (type != FileType::notFound) return type;
     std::error_code failure;
-    static_cast<void>(entryAttributes(folder, failure));
+    static_cast<void>(entryFacts(folder, failure));
     if (failure) throw std::filesystem::filesystem_error(operation, folder, failure);
     return type;
 }

@@ -1,68 +1,37 @@
 #include "publisher/build_release.h"
 
 #include <algorithm>
-#include <map>
-#include <mutex>
 #include <system_error>
 #include <vector>
 
 #include "publisher/channel.h"
+#include "publisher/channel_file.h"
+#include "publisher/channel_listing.h"
 #include "publisher/durable_files.h"
+#include "publisher/entry_facts.h"
+#include "publisher/folder_changes.h"
 #include "publisher/game_folder.h"
 #include "publisher/in_quotes.h"
-#include "publisher/parallel_work.h"
+#include "publisher/interruption.h"
+#include "publisher/missing_objects.h"
+#include "publisher/previous_package.h"
+#include "publisher/previous_release.h"
+#include "publisher/program_file.h"
 #include "publisher/release_details.h"
 #include "publisher/release_difference.h"
+#include "publisher/release_folders.h"
+#include "publisher/release_hashing.h"
+#include "publisher/release_number.h"
+#include "publisher/release_rules.h"
 #include "publisher/release_staging.h"
 #include "publisher/release_texts.h"
 #include "publisher/sha256.h"
-#include "update/decimal.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish {
 namespace {
 
 namespace fs = std::filesystem;
-
-bool isInside(const fs::path& inner, const fs::path& outer) {
-    const fs::path relative = inner.lexically_relative(outer);
-    return !relative.empty() && *relative.begin() != "..";
-}
-
-/// The release whose package or inventory has this name.
-std::optional<std::uint32_t> releaseOfName(const std::string& name) {
-    constexpr std::string_view digits = "0123456789";
-    const std::size_t first = std::min(name.find_first_of(digits), name.size());
-    const std::size_t end = std::min(name.find_first_not_of(digits, first), name.size());
-    std::uint32_t release = 0;
-    if (!update::parseDecimal(std::string_view(name).substr(first, end - first), release)) return {};
-    if (release == 0 || (name != packageName(release) && name != inventoryName(release))) return {};
-    return release;
-}
-
-bool judgeFolders(const ReleaseRequest& request, std::string& error) {
-    std::error_code failure;
-    if (!fs::is_directory(request.gameFolder, failure)) {
-        error = "The game folder " + inQuotes(request.gameFolder) + " is not a folder.";
-        return false;
-    }
-    if (fs::exists(request.channel, failure) && !fs::is_directory(request.channel, failure)) {
-        error = "The channel " + inQuotes(request.channel) + " is not a folder.";
-        return false;
-    }
-    const fs::path game = fs::canonical(request.gameFolder, failure);
-    fs::path channel;
-    if (!failure) channel = fs::absolute(request.channel, failure);
-    if (!failure) channel = fs::weakly_canonical(channel, failure);
-    if (failure) {
-        error =
-            "Where the channel " + inQuotes(request.channel) + " lies cannot be found out: " + failure.message() + ".";
-        return false;
-    }
-    if (!isInside(game, channel) && !isInside(channel, game)) return true;
-    error = "The game folder and the channel must lie apart, neither inside the other.";
-    return false;
-}
 
 /// One publishing run; each step is a member, run() has their order.
 class ReleaseBuild {
@@ -71,12 +40,18 @@ public:
         : request_(request), console_(console), summary_(summary), work_(request.channel / kWorkFolderName) {}
 
     bool run(std::string& error) {
-        const bool judged = judgeDetails(request_.details, error) && judgeFolders(request_, error) &&
-                            collectFiles(error) && openChannel(error) && judgeReleaseNumber(error) &&
-                            judgePlaces(error) && hashFiles(error) && judgeRepetition(error) && findObjects(error);
+        const bool judged = judgeDetails(request_.details, error) &&
+                            judgeFolders(request_.gameFolder, request_.channel, error) && collectFiles(error) &&
+                            openChannel(error) && readChannel(error) && judgePlaces(error) &&
+                            judgeFolderChanges(error) && hashFiles(error) && judgeRepetition(error) &&
+                            findMissingObjects(files_, request_.channel, console_, missing_, error);
         if (!judged) return false;
+        if (request_.isDryRun) {
+            summarize();
+            return true;
+        }
         const bool published = prepareWorkFolder(error) && stage(error) && publish(error);
-        removeWorkFolder(published);
+        removeLeftovers(published);
         if (published) summarize();
         return published;
     }
@@ -84,67 +59,80 @@ public:
 private:
     bool collectFiles(std::string& error) {
         GameFolder game;
-        if (!listGameFolder(request_.gameFolder, game, error)) return false;
+        if (!listGameFolder(request_.gameFolder, request_.patterns, game, error)) return false;
         for (const std::string& folder : game.emptyFolders)
-            console_.line("Note: the empty folder " + inQuotes(folder) + " is left out; a release holds files only.");
-
-        files_ = std::move(game.files);
-        addGenerated(update::kReleaseMarkerName, releaseMarkerText(request_.details));
-        addGenerated(update::kManagedFileListName, {});
-        std::sort(files_.begin(), files_.end(),
-                  [](const ReleaseFile& a, const ReleaseFile& b) { return a.entry.path < b.entry.path; });
-        std::vector<std::string> paths;
-        for (const ReleaseFile& file : files_)
-            paths.push_back(file.entry.path);
-        for (ReleaseFile& file : files_) {
-            if (file.entry.path != update::kManagedFileListName || !file.source.empty()) continue;
-            file.text = managedFileListText(paths);
-            file.entry.size = file.text.size();
-        }
-        return judgeReleaseFiles(files_, error);
+            note("The empty folder " + inQuotes(folder) + " is left out; a release holds files only.");
+        files_ = withGeneratedFiles(std::move(game.files), request_.details);
+        return judgeReleaseFiles(files_, error) && judgePrograms(error);
     }
 
-    void addGenerated(std::string_view path, const std::string& text) {
-        files_.push_back({{std::string(path), {}, text.size()}, {}, text});
+    bool judgePrograms(std::string& error) const {
+        if (request_.allowAnyPrograms) return true;
+        const fs::path updater = request_.gameFolder / update::kUpdaterExecutableName;
+        return isWindowsProgram(request_.gameFolder / update::kGameExecutableName, update::kGameExecutableName,
+                                error) &&
+               isWindowsProgram(updater, update::kUpdaterExecutableName, error) &&
+               holdsAddress(updater, update::kDownloadBaseUrl, error);
+    }
+
+    void note(const std::string& sentence) {
+        summary_.notes.push_back(sentence);
+        console_.line("Note: " + sentence);
     }
 
     // A channel that does not exist yet is neither created nor locked before everything was judged.
     bool openChannel(std::string& error) {
         std::error_code failure;
-        channelIsNew_ = !fs::exists(request_.channel, failure);
+        channelIsNew_ = factsOf(request_.channel, failure).kind == EntryKind::missing;
         return channelIsNew_ || lockFolder(request_.channel, lock_, error);
     }
 
-    bool judgeReleaseNumber(std::string& error) {
+    bool readChannel(std::string& error) {
+        if (!hasAddressOfTool(request_.channel, error)) return false;
         if (!readPublishedManifest(request_.channel, published_, error)) {
             error += " Restore or remove it first: the next release number depends on it.";
             return false;
         }
-        if (!published_ || published_->release <= request_.details.release) return true;
-        error = "Release " + std::to_string(published_->release) +
-                " is published, and updaters never go back: --release must be greater than that.";
-        return false;
+        return listChannel(request_.channel, listing_, error) &&
+               judgeReleaseNumber(request_.details.release, published_, listing_, request_.allowJump, error);
     }
 
     bool judgePlaces(std::string& error) const {
         const std::uint32_t release = request_.details.release;
         for (const std::string& name :
              {packageName(release), inventoryName(release), std::string(update::kManifestName)}) {
-            std::error_code failure;
-            const fs::file_type type = fs::symlink_status(request_.channel / name, failure).type();
-            if (type == fs::file_type::not_found || type == fs::file_type::regular) continue;
+            if (!lookAtFile(request_.channel / name).isInTheWay()) continue;
             error = inQuotes(request_.channel / name) + " is in the way: it is not a regular file.";
             return false;
         }
         return true;
     }
 
+    bool judgeFolderChanges(std::string& error) {
+        const std::uint32_t release = request_.details.release;
+        std::vector<ListedRelease> older;
+        for (const std::string& fault : readReleasesBelow(release, request_.channel, listing_, older))
+            note(fault + " So it is not known whether its players can install this release.");
+        for (const std::string& clause : folderChanges(older, {release, inventoryOf(files_)})) {
+            if (request_.allowFolderChanges) {
+                note(clause + ": players who have that release cannot install this one.");
+                continue;
+            }
+            if (!error.empty()) error += '\n';
+            error += clause +
+                     ": players who have that release could not install this one. Use another name, or give "
+                     "--allow-folder-changes if nobody has it any more.";
+        }
+        return error.empty();
+    }
+
     bool hashFiles(std::string& error) {
-        console_.beginStep("Reading " + countOf(files_.size(), "file"), totalBytes(files_));
-        const bool hashed = hashReleaseFiles(
-            files_, [this](std::uint64_t count) { console_.advance(count); }, error);
-        console_.endStep();
-        return hashed;
+        const PreviousRelease source = releaseToTakeFrom();
+        PreviousPackage& package = previousPackage_.emplace();
+        if (source.entries.empty() ||
+            !package.open(request_.channel / source.packageName, source.packageSha256, source.entries))
+            previousPackage_.reset();
+        return hashReleaseFiles(files_, previousPackage_, console_, error);
     }
 
     [[nodiscard]] bool isRepetition() const {
@@ -168,83 +156,89 @@ private:
         return false;
     }
 
-    bool judgeRepeatedPackage(std::string& error) const {
-        if (!isRepetition() || manifest_ == *published_) return true;
-        error = "Release " + std::to_string(manifest_.release) +
-                (contentIsTheSame_
-                     ? " is published already with the same content and details, but its package comes out differently "
-                       "now, perhaps because other versions of libarchive or zlib pack it: use the former ones or a "
-                       "greater --release."
-                     : " is published already with another package, which holds other content or was packed by other "
-                       "versions of libarchive or zlib: use a greater --release.");
+    bool prepareWorkFolder(std::string& error) {
+        if (channelIsNew_ && (!createChannel(error) || !readChannel(error))) return false;
+        if (!removeTree(work_, error)) return false;
+        std::error_code failure;
+        if (fs::create_directory(work_, failure)) return true;
+        error = inQuotes(work_) + " cannot be prepared: " + failure.message() + ".";
         return false;
     }
 
-    bool findObjects(std::string& error) {
-        std::map<std::string_view, const ReleaseFile*> distinct;
-        for (const ReleaseFile& file : files_)
-            distinct.emplace(file.entry.sha256, &file);
-        std::vector<const ReleaseFile*> contents;
-        std::uint64_t bytes = 0;
-        for (const auto& [sha256, file] : distinct) {
-            contents.push_back(file);
-            bytes += file->entry.size;
+    /// Another run that failed may remove the folder between the two calls.
+    bool createChannel(std::string& error) {
+        constexpr int kTries = 10;
+        for (int tried = 0; tried < kTries; ++tried) {
+            error.clear();
+            std::error_code failure;
+            if (!createFolders(request_.channel, made_, error)) return false;
+            if (lockFolder(request_.channel, lock_, error)) return true;
+            if (factsOfTarget(request_.channel, failure).kind != EntryKind::missing) return false;
         }
-        summary_.distinctObjects = contents.size();
-
-        std::mutex found;
-        console_.beginStep("Looking for objects that the channel has already", bytes);
-        const bool looked = forEachInParallel(
-            contents.size(),
-            [&](std::size_t index, std::string& fault) {
-                const ReleaseFile& file = *contents[index];
-                const fs::path path = request_.channel / objectName(file.entry.sha256);
-                const FileState state = stateOfFile(path, file.entry.size, file.entry.sha256,
-                                                    [this](std::uint64_t count) { console_.advance(count); });
-                if (state == FileState::notAFile) {
-                    fault = inQuotes(path) + " is in the way: it is not a regular file.";
-                    return false;
-                }
-                if (state == FileState::right) return true;
-                const std::lock_guard lock(found);
-                newObjects_.push_back(&file);
-                summary_.newObjectBytes += file.entry.size;
-                if (state != FileState::missing) ++summary_.mendedObjects;
-                return true;
-            },
-            error);
-        console_.endStep();
-        // By path, so that the game folder is read in its own order.
-        std::sort(newObjects_.begin(), newObjects_.end());
-        summary_.newObjects = newObjects_.size();
-        return looked;
-    }
-
-    bool prepareWorkFolder(std::string& error) {
-        if (channelIsNew_ && (!createFolders(request_.channel, error) || !lockFolder(request_.channel, lock_, error) ||
-                              !judgeReleaseNumber(error)))
-            return false;
-        std::error_code failure;
-        fs::remove_all(work_, failure);
-        if (!failure) fs::create_directory(work_, failure);
-        if (!failure) return true;
-        error = inQuotes(work_) + " cannot be prepared: " + failure.message() + ".";
         return false;
     }
 
     bool stage(std::string& error) {
         StagedRelease staged;
-        if (!stageRelease(files_, newObjects_, request_.details, work_, console_, staged, error)) return false;
+        if (!stageRelease(files_, missing_.files, request_.details, previousPackage_ ? &*previousPackage_ : nullptr,
+                          work_, console_, staged, error))
+            return false;
         manifest_ = staged.manifest;
         inventory_ = staged.inventory;
-        return judgeRepeatedPackage(error);
+        return judgeRepeatedPackage(error) && judgeUnknownPackage(error);
+    }
+
+    /// A repetition takes what it can from the release itself, so that it comes out as it was published.
+    [[nodiscard]] PreviousRelease releaseToTakeFrom() const {
+        const std::uint32_t release = request_.details.release;
+        return findPreviousRelease(isRepetition() ? release + 1 : release, published_, request_.channel, listing_);
+    }
+
+    bool judgeRepeatedPackage(std::string& error) const {
+        if (!isRepetition() || manifest_ == *published_) return true;
+        error = "Release " + std::to_string(manifest_.release) +
+                (contentIsTheSame_
+                     ? " is published already with the same content and details, but its package comes out differently "
+                       "now, perhaps because another version of zlib packs it: use the former one or a greater "
+                       "--release."
+                     : " is published already with another package, which holds other content or was packed by another "
+                       "version of zlib: use a greater --release.");
+        return false;
+    }
+
+    /// Without a manifest nobody knows what was published, so nothing of the same number may change.
+    bool judgeUnknownPackage(std::string& error) const {
+        if (published_) return true;
+        for (const auto& [name, found] : {std::pair{packageName(manifest_.release), packageInChannel()},
+                                          std::pair{inventoryName(manifest_.release), inventoryInChannel()}}) {
+            if (found.isRight() || found.state == ChannelFile::State::missing) continue;
+            error = "The channel has lost its manifest, and " + inQuotes(name) +
+                    " holds something else, which may have been published: use a greater --release.";
+            return false;
+        }
+        return true;
+    }
+
+    [[nodiscard]] ChannelFile packageInChannel() const {
+        return compareFile(request_.channel / packageName(manifest_.release), manifest_.size, manifest_.sha256,
+                           [](std::uint64_t) {});
+    }
+
+    [[nodiscard]] ChannelFile inventoryInChannel() const {
+        return compareFile(request_.channel / inventoryName(manifest_.release), inventory_.size(), sha256Of(inventory_),
+                           [](std::uint64_t) {});
     }
 
     bool publish(std::string& error) {
-        for (const ReleaseFile* object : newObjects_)
+        if (isInterrupted()) {
+            error = interruptionSentence();
+            return false;
+        }
+        for (const ReleaseFile* object : missing_.files)
             if (!place(objectName(object->entry.sha256), error)) return false;
-        return placeUnlessRight(packageName(manifest_.release), manifest_.size, manifest_.sha256, error) &&
-               placeUnlessRight(inventoryName(manifest_.release), inventory_.size(), sha256Of(inventory_), error) &&
+        return placeUnlessRight(packageName(manifest_.release), packageInChannel(), summary_.mendedPackage, error) &&
+               placeUnlessRight(inventoryName(manifest_.release), inventoryInChannel(), summary_.mendedInventory,
+                                error) &&
                syncFolder(request_.channel, error) && placeManifest(error) && syncFolder(request_.channel, error);
     }
 
@@ -252,65 +246,40 @@ private:
         return moveIntoPlace(work_ / name, request_.channel / name, error);
     }
 
-    bool placeUnlessRight(const std::string& name, std::uint64_t size, std::string_view sha256,
-                          std::string& error) const {
-        const FileState state = stateOfFile(request_.channel / name, size, sha256, [](std::uint64_t) {});
-        return state == FileState::right || place(name, error);
+    bool placeUnlessRight(const std::string& name, const ChannelFile& found, bool& mended, std::string& error) const {
+        mended = !found.isRight() && found.state != ChannelFile::State::missing;
+        return found.isRight() || place(name, error);
     }
 
     bool placeManifest(std::string& error) const {
-        return isRepetition() || place(std::string(update::kManifestName), error);
+        const bool isThere = isRepetition() && lookAtFile(request_.channel / update::kManifestName).isRight();
+        return isThere || place(std::string(update::kManifestName), error);
     }
 
-    void removeWorkFolder(bool published) {
-        std::error_code ignored;
-        // The lock is held whenever the work folder is this run's own.
-        if (lock_) fs::remove_all(work_, ignored);
-        if (channelIsNew_ && !published) fs::remove(request_.channel, ignored);
+    void removeLeftovers(bool published) {
+        // The lock is held whenever the work folder, and a folder that this run made, is this run's own.
+        if (!lock_) return;
+        std::string stays;
+        static_cast<void>(removeTree(work_, stays));
+        if (!published) removeMadeFolders(made_, std::move(lock_));
     }
 
     void summarize() {
         summary_.files = files_.size();
         summary_.bytes = totalBytes(files_);
         summary_.packageBytes = manifest_.size;
-        std::vector<update::InventoryEntry> previous;
-        if (!readPreviousInventory(previous)) return;
-        const ReleaseDifference difference = compareReleases(previous, inventoryOf(files_));
-        summary_.incrementalFromPrevious = updatesIncrementally(difference, manifest_);
+        summary_.distinctObjects = missing_.distinct;
+        summary_.newObjects = missing_.files.size();
+        summary_.newObjectBytes = missing_.bytes;
+        summary_.mendedObjects = missing_.damaged;
+        const PreviousRelease previous =
+            findPreviousRelease(request_.details.release, published_, request_.channel, listing_);
+        summary_.previousRelease = previous.release;
+        summary_.previousFault = previous.fault;
+        if (!previous.release || !previous.fault.empty()) return;
+        const ReleaseDifference difference = compareReleases(previous.entries, inventoryOf(files_));
+        summary_.incrementalFromPrevious = request_.isDryRun || updatesIncrementally(difference, manifest_);
         summary_.bytesFromPrevious = summary_.incrementalFromPrevious ? difference.bytesToFetch : manifest_.size;
-    }
-
-    /// Players come from the release that was published until now; when a run is repeated that is no longer known, and
-    /// the newest older one in the channel stands for it.
-    bool readPreviousInventory(std::vector<update::InventoryEntry>& entries) {
-        std::string fault;
-        bool isReadable = false;
-        if (published_ && !isRepetition()) {
-            summary_.previousRelease = published_->release;
-            const std::string name = packageNameOf(*published_) + std::string(update::kInventorySuffix);
-            isReadable = readInventory(request_.channel / name, *published_, entries, fault);
-        } else {
-            if (!findNewestOlderRelease() || !summary_.previousRelease) return false;
-            const fs::path inventory = request_.channel / inventoryName(*summary_.previousRelease);
-            update::Manifest older;
-            isReadable = readInventoryAlone(inventory, older, entries, fault);
-        }
-        if (!isReadable)
-            summary_.previousFault =
-                "The inventory of release " + std::to_string(*summary_.previousRelease) + " cannot be read: " + fault;
-        return isReadable;
-    }
-
-    bool findNewestOlderRelease() {
-        std::error_code failure;
-        fs::directory_iterator file(request_.channel, failure);
-        for (; !failure && file != fs::directory_iterator(); file.increment(failure)) {
-            const std::optional<std::uint32_t> release = releaseOfName(file->path().filename().string());
-            if (release && *release < manifest_.release)
-                summary_.previousRelease = std::max(*release, summary_.previousRelease.value_or(0));
-        }
-        if (failure) summary_.previousFault = "The channel cannot be listed: " + failure.message() + ".";
-        return !failure;
     }
 
     const ReleaseRequest& request_;
@@ -319,10 +288,13 @@ private:
     const fs::path work_;
     bool channelIsNew_ = false;
     bool contentIsTheSame_ = false;  ///< as that of the same release in the channel, whose inventory could be read
+    std::vector<fs::path> made_;
     Descriptor lock_;
     std::optional<update::Manifest> published_;
+    ChannelListing listing_;
     std::vector<ReleaseFile> files_;
-    std::vector<const ReleaseFile*> newObjects_;
+    std::optional<PreviousPackage> previousPackage_;
+    MissingObjects missing_;
     update::Manifest manifest_;
     std::string inventory_;
 };

@@ -3,7 +3,6 @@
 #include <system_error>
 
 #include "publisher/in_quotes.h"
-#include "publisher/sha256.h"
 #include "update/decimal.h"
 #include "update/limits.h"
 #include "update/managed_path.h"
@@ -47,25 +46,25 @@ bool takeHeaderField(std::string_view& text, std::string_view key, std::string_v
     return true;
 }
 
+/// The folder in which a manifest's package lies; empty when there is no such line.
+std::string_view addressIn(std::string_view manifest) {
+    std::string_view url;
+    while (!manifest.empty())
+        if (takeHeaderField(manifest, "url=", url)) return url.substr(0, url.rfind('/') + 1);
+    return {};
+}
+
 }  // namespace
 
-FileState stateOfFile(const std::filesystem::path& path, std::uint64_t size, std::string_view sha256,
-                      const BytesDone& done) {
-    std::error_code failure;
-    const std::filesystem::file_status status = std::filesystem::status(path, failure);
-    if (status.type() == std::filesystem::file_type::not_found) return FileState::missing;
-    if (status.type() != std::filesystem::file_type::regular) return FileState::notAFile;
-    if (std::filesystem::file_size(path, failure) != size) return FileState::wrongSize;
-
-    Sha256 digest;
-    std::string error;
-    const ContentSink hash = [&](std::span<const char> bytes) {
-        digest.add(bytes);
-        done(bytes.size());
-        return true;
-    };
-    if (!readFile(path, hash, error)) return FileState::unreadable;
-    return digest.finish() == sha256 ? FileState::right : FileState::corrupt;
+bool hasAddressOfTool(const std::filesystem::path& channel, std::string& error) {
+    std::string text;
+    std::string unreadable;
+    if (!readText(channel / update::kManifestName, update::kMaxManifestBytes, text, unreadable)) return true;
+    const std::string_view address = addressIn(text);
+    if (address.empty() || address == update::kDownloadBaseUrl) return true;
+    error = "The channel is served at " + inQuotes(address) + ", and this kvn-release was built for " +
+            inQuotes(update::kDownloadBaseUrl) + ": use the one that was built for the channel's address.";
+    return false;
 }
 
 bool readPublishedManifest(const std::filesystem::path& channel, std::optional<update::Manifest>& manifest,
@@ -82,7 +81,7 @@ bool readPublishedManifest(const std::filesystem::path& channel, std::optional<u
         manifest = parsed;
         return true;
     }
-    error = sentenceAbout(path, fault);
+    if (hasAddressOfTool(channel, error)) error = sentenceAbout(path, fault);
     return false;
 }
 

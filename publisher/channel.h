@@ -6,21 +6,10 @@
 #include <string_view>
 #include <vector>
 
-#include "publisher/release_content.h"
 #include "update/file_inventory.h"
 #include "update/manifest.h"
 
 namespace vorthmere::publish {
-
-/// Holds everything that is not yet published. Its name begins with a dot, which no address of an updater does.
-inline constexpr std::string_view kWorkFolderName = ".kvn-release-work";
-
-/// What stands in place of one of a channel's files.
-enum class FileState { right, missing, wrongSize, corrupt, unreadable, notAFile };
-
-/// Compares a file with what it should be. A file of another size is not read.
-[[nodiscard]] FileState stateOfFile(const std::filesystem::path& path, std::uint64_t size, std::string_view sha256,
-                                    const BytesDone& done);
 
 /// Reads the release that a channel offers.
 ///
@@ -28,6 +17,11 @@ enum class FileState { right, missing, wrongSize, corrupt, unreadable, notAFile 
 /// @param error    receives a sentence when the manifest is there and cannot be read or the updater would refuse it
 [[nodiscard]] bool readPublishedManifest(const std::filesystem::path& channel,
                                          std::optional<update::Manifest>& manifest, std::string& error);
+
+/// Judges whether a channel is served at the address that this tool was built for.
+///
+/// @param error receives one sentence with both addresses when the manifest that is published names another one
+[[nodiscard]] bool hasAddressOfTool(const std::filesystem::path& channel, std::string& error);
 
 /// Reads a release's inventory as the updater does.
 ///

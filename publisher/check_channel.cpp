@@ -8,6 +8,10 @@
 #include <string_view>
 
 #include "publisher/channel.h"
+#include "publisher/channel_file.h"
+#include "publisher/channel_listing.h"
+#include "publisher/entry_facts.h"
+#include "publisher/folder_changes.h"
 #include "publisher/in_quotes.h"
 #include "publisher/package_reader.h"
 #include "publisher/parallel_work.h"
@@ -25,60 +29,87 @@ namespace fs = std::filesystem;
 
 using Entries = std::vector<update::InventoryEntry>;
 
-std::string faultOf(FileState state, const fs::path& path, std::uint64_t size) {
-    const std::string name = inQuotes(path.filename());
-    std::error_code failure;
-    switch (state) {
-        case FileState::right:
-            return {};
-        case FileState::missing:
-            return name + " is missing.";
-        case FileState::wrongSize:
-            return name + " has " + std::to_string(fs::file_size(path, failure)) + " bytes instead of " +
-                   std::to_string(size) + ".";
-        case FileState::corrupt:
-            return name + " is corrupt: its content does not have the announced SHA-256.";
-        case FileState::notAFile:
-            return name + " is not a regular file.";
-        case FileState::unreadable:
-            break;
-    }
-    return name + " cannot be read.";
+std::vector<std::string> pathsOf(const Entries& entries) {
+    std::vector<std::string> paths;
+    paths.reserve(entries.size());
+    for (const update::InventoryEntry& entry : entries)
+        paths.push_back(entry.path);
+    return paths;
+}
+
+std::uint64_t bytesOf(const Entries& entries) {
+    std::uint64_t bytes = 0;
+    for (const update::InventoryEntry& entry : entries)
+        bytes += entry.size;
+    return bytes;
 }
 
 class ChannelCheck {
 public:
-    ChannelCheck(const fs::path& channel, Console& console) : channel_(channel), console_(console) {}
+    ChannelCheck(const fs::path& channel, bool allowFolderChanges, Console& console)
+        : channel_(channel), allowFolderChanges_(allowFolderChanges), console_(console) {}
 
-    std::vector<std::string> run() {
+    ChannelReport run() {
         std::optional<update::Manifest> manifest;
         std::string fault;
-        if (!readPublishedManifest(channel_, manifest, fault)) return {fault};
-        if (!manifest) return {inQuotes(update::kManifestName) + " is missing."};
+        if (!readPublishedManifest(channel_, manifest, fault)) return {0, {fault}, {}};
+        if (!manifest) return {0, {inQuotes(update::kManifestName) + " is missing."}, {}};
+        report_.release = manifest->release;
+        checkPermissions();
+        checkTextFile(channel_ / update::kManifestName);
 
         Entries entries;
         const fs::path inventory = channel_ / (packageNameOf(*manifest) + std::string(update::kInventorySuffix));
-        if (!readInventory(inventory, *manifest, entries, fault))
-            faults_.push_back(fault);
-        else if (fault = clashOnWindows(pathsOf(entries)); !fault.empty())
-            faults_.push_back(inQuotes(inventory.filename()) + ": " + fault);
-
+        if (!readInventory(inventory, *manifest, entries, fault)) {
+            report_.faults.push_back(fault);
+        } else {
+            checkTextFile(inventory);
+            for (const std::string& clash : clashesOnWindows(pathsOf(entries)))
+                report_.faults.push_back(inQuotes(inventory.filename()) + ": " + clash);
+            checkFolderChanges({manifest->release, entries});
+        }
         checkPackage(*manifest, entries);
         if (!entries.empty()) checkObjects(entries);
-        return faults_;
+        return report_;
     }
 
 private:
+    void checkPermissions() {
+        std::error_code failure;
+        if (!factsOfTarget(channel_, failure).everybodyMayRead)
+            report_.faults.push_back(
+                "The channel folder may not be entered by every account, so that a web server "
+                "may be unable to hand out what is in it.");
+    }
+
+    void checkTextFile(const fs::path& file) {
+        const std::string fault = faultOf(lookAtFile(file), file, 0);
+        if (!fault.empty()) report_.faults.push_back(fault);
+    }
+
+    void checkFolderChanges(const ListedRelease& offered) {
+        ChannelListing listing;
+        std::vector<ListedRelease> older;
+        std::string fault;
+        if (!listChannel(channel_, listing, fault)) report_.notes.push_back(fault);
+        for (const std::string& unreadable : readReleasesBelow(offered.release, channel_, listing, older))
+            report_.notes.push_back(unreadable);
+        for (const std::string& clause : folderChanges(older, offered))
+            (allowFolderChanges_ ? report_.notes : report_.faults)
+                .push_back(clause + ": players who have that release cannot install this one.");
+    }
+
     void checkPackage(const update::Manifest& manifest, const Entries& entries) {
         const fs::path package = channel_ / packageNameOf(manifest);
         console_.beginStep("Checking the complete package", manifest.size + bytesOf(entries));
-        const FileState state = stateOfFile(package, manifest.size, manifest.sha256, done_);
-        std::string fault = faultOf(state, package, manifest.size);
+        const ChannelFile found = compareFile(package, manifest.size, manifest.sha256, done_);
+        std::string fault = faultOf(found, package, manifest.size);
         // What a sound package holds can be judged only by a sound inventory.
-        if (fault.empty() && !entries.empty() && !verifyPackage(package, entries, done_, fault))
+        PackageFacts facts;
+        if (fault.empty() && !entries.empty() && !verifyPackage(package, entries, {}, facts, done_, fault))
             fault = inQuotes(package.filename()) + ": " + fault;
         console_.endStep();
-        if (!fault.empty()) faults_.push_back(fault);
+        if (!fault.empty()) report_.faults.push_back(fault);
     }
 
     void checkObjects(const Entries& entries) {
@@ -101,16 +132,16 @@ private:
             [&](std::size_t index, std::string&) {
                 const update::InventoryEntry& entry = *contents[index];
                 const fs::path object = channel_ / objectName(entry.sha256);
-                const FileState state = stateOfFile(object, entry.size, entry.sha256, done_);
-                if (state == FileState::right) return true;
+                const ChannelFile stored = compareFile(object, entry.size, entry.sha256, done_);
+                if (stored.isRight()) return true;
                 const std::lock_guard lock(found);
-                objectFaults.insert(inQuotes(entry.path) + ": " + faultOf(state, object, entry.size));
+                objectFaults.insert(inQuotes(entry.path) + ": " + faultOf(stored, object, entry.size));
                 return true;
             },
             ignored));
         console_.endStep();
         if (objectFaults.empty()) checkManagedFileList(entries);
-        faults_.insert(faults_.end(), objectFaults.begin(), objectFaults.end());
+        report_.faults.insert(report_.faults.end(), objectFaults.begin(), objectFaults.end());
     }
 
     void checkManagedFileList(const Entries& entries) {
@@ -125,36 +156,22 @@ private:
         if (!update::readMetadataFile(channel_ / objectName(list->sha256), text, unreadable,
                                       update::kMaxManagedFileListBytes) ||
             !update::parseManagedFileList(text, listed, fault))
-            faults_.push_back(inQuotes(list->path) + " would be refused by the updater.");
+            report_.faults.push_back(inQuotes(list->path) + " would be refused by the updater.");
         else if (std::set(paths.begin(), paths.end()) != std::set(listed.begin(), listed.end()))
-            faults_.push_back(inQuotes(list->path) + " and the file inventory do not name the same files.");
-    }
-
-    static std::vector<std::string> pathsOf(const Entries& entries) {
-        std::vector<std::string> paths;
-        paths.reserve(entries.size());
-        for (const update::InventoryEntry& entry : entries)
-            paths.push_back(entry.path);
-        return paths;
-    }
-
-    static std::uint64_t bytesOf(const Entries& entries) {
-        std::uint64_t bytes = 0;
-        for (const update::InventoryEntry& entry : entries)
-            bytes += entry.size;
-        return bytes;
+            report_.faults.push_back(inQuotes(list->path) + " and the file inventory do not name the same files.");
     }
 
     const fs::path& channel_;
+    const bool allowFolderChanges_;
     Console& console_;
     const BytesDone done_ = [this](std::uint64_t count) { console_.advance(count); };
-    std::vector<std::string> faults_;
+    ChannelReport report_;
 };
 
 }  // namespace
 
-std::vector<std::string> checkChannel(const fs::path& channel, Console& console) {
-    return ChannelCheck(channel, console).run();
+ChannelReport checkChannel(const fs::path& channel, bool allowFolderChanges, Console& console) {
+    return ChannelCheck(channel, allowFolderChanges, console).run();
 }
 
 }  // namespace vorthmere::publish

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <sstream>
+
+#include "publisher/interruption.h"
 
 namespace vorthmere::publish {
 namespace {
@@ -37,7 +40,9 @@ std::string sizeOf(std::uint64_t bytes) {
 }
 
 void Console::line(const std::string& text) {
-    output_ << text << '\n' << std::flush;
+    if (isSilent_) return;
+    output_ << text << '\n';
+    flush();
 }
 
 void Console::beginStep(const std::string& text, std::uint64_t total) {
@@ -61,15 +66,27 @@ void Console::advance(std::uint64_t bytes) {
 
 void Console::endStep() {
     const std::lock_guard lock(mutex_);
-    if (isTerminal_ && !step_.empty()) output_ << '\n' << std::flush;
+    if (isTerminal_ && !step_.empty()) line("");
     step_.clear();
 }
 
 void Console::draw(unsigned percent) {
+    if (isSilent_) return;
     const unsigned filled = percent * kBarWidth / 100;
-    output_ << "\r[" << std::string(filled, '#') << std::string(kBarWidth - filled, '.') << "] " << percent << "% "
-            << step_ << std::flush;
+    std::ostringstream bar;
+    bar << '[' << std::string(filled, '#') << std::string(kBarWidth - filled, '.') << "] " << percent << "% " << step_;
+    std::string text = bar.str();
+    // A terminal that has to wrap a line cannot draw over it. The last column may make some wrap.
+    if (width_ != 0 && text.size() >= width_) text.resize(width_ - 1);
+    output_ << '\r' << text;
+    flush();
     shownPercent_ = percent;
+}
+
+void Console::flush() {
+    if (output_.flush()) return;
+    isSilent_ = true;
+    interrupt("What is to be printed cannot be written, so the work was ended.");
 }
 
 }  // namespace vorthmere::publish

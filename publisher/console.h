@@ -13,10 +13,18 @@ namespace vorthmere::publish {
 /// "123 bytes", "1.5 MiB (1,572,864 bytes)".
 [[nodiscard]] std::string sizeOf(std::uint64_t bytes);
 
-/// Shows one step of long work after the other: as a bar on a terminal, else as one line a step.
+/// Shows one step of long work after the other: as a bar on a terminal, else as one line a step. When what it prints
+/// cannot be written any more, the work is interrupted.
 class Console {
 public:
-    Console(std::ostream& output, bool isTerminal) : output_(output), isTerminal_(isTerminal) {}
+    /// @param width columns of the terminal; a bar with its text takes one less, so that it stays on one line
+    Console(std::ostream& output, bool isTerminal, unsigned width = 80)
+        : output_(output), isTerminal_(isTerminal), width_(width) {}
+
+    /// From now on nothing is shown.
+    void silence() {
+        isSilent_ = true;
+    }
 
     void line(const std::string& text);
 
@@ -31,9 +39,12 @@ public:
 
 private:
     void draw(unsigned percent);
+    void flush();
 
     std::ostream& output_;
     const bool isTerminal_;
+    const unsigned width_;
+    bool isSilent_ = false;
     std::mutex mutex_;
     std::string step_;
     std::uint64_t total_ = 0;

@@ -9,8 +9,9 @@
 namespace vorthmere::publish {
 namespace {
 
-/// More than the 32 KiB that deflate looks back, so that repetitions are found.
-constexpr std::size_t kTriedBytes = 65536;
+/// What is tried of a block: pieces from all over it, each long enough for repetitions to be found.
+constexpr std::size_t kPieces = 8;
+constexpr std::size_t kPieceBytes = 8192;
 
 /// A file that would shrink by less than 3 % is stored.
 constexpr std::uint64_t kWorthwhilePercent = 97;
@@ -18,8 +19,14 @@ constexpr std::uint64_t kWorthwhilePercent = 97;
 }  // namespace
 
 void DeflateTrial::add(std::span<const char> block) {
-    const std::span<const char> part = block.first(std::min(block.size(), kTriedBytes));
-    std::vector<unsigned char> input(part.begin(), part.end());
+    std::vector<unsigned char> input;
+    if (block.size() <= kPieces * kPieceBytes)
+        input.assign(block.begin(), block.end());
+    else
+        for (std::size_t piece = 0; piece < kPieces; ++piece) {
+            const std::span<const char> part = block.subspan(block.size() / kPieces * piece, kPieceBytes);
+            input.insert(input.end(), part.begin(), part.end());
+        }
     uLongf length = compressBound(static_cast<uLong>(input.size()));
     std::vector<unsigned char> output(length);
     if (compress2(output.data(), &length, input.data(), static_cast<uLong>(input.size()), Z_BEST_SPEED) != Z_OK)

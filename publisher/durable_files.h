@@ -1,19 +1,23 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <span>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace vorthmere::publish {
 
-/// Owns a file descriptor.
+/// Owns a file descriptor, on Windows a handle.
 class Descriptor {
 public:
+    static constexpr std::intptr_t kNone = -1;
+
     Descriptor() = default;
-    explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-    Descriptor(Descriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+    explicit Descriptor(std::intptr_t descriptor) : descriptor_(descriptor) {}
+    Descriptor(Descriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, kNone)) {}
     Descriptor& operator=(Descriptor&& other) noexcept {
         std::swap(descriptor_, other.descriptor_);
         return *this;
@@ -22,15 +26,30 @@ public:
     Descriptor& operator=(const Descriptor&) = delete;
     ~Descriptor();
 
-    [[nodiscard]] int get() const {
+    [[nodiscard]] std::intptr_t get() const {
         return descriptor_;
     }
     explicit operator bool() const {
-        return descriptor_ >= 0;
+        return descriptor_ != kNone;
     }
 
 private:
-    int descriptor_ = -1;
+    std::intptr_t descriptor_ = kNone;
+};
+
+/// A file that is read. Every failure leaves one sentence with the system's reason.
+class InputFile {
+public:
+    [[nodiscard]] bool open(const std::filesystem::path& path, std::string& error);
+
+    /// Reads from a position on until the buffer is full or the file ends.
+    ///
+    /// @param count receives how many bytes were read
+    [[nodiscard]] bool readAt(std::uint64_t position, std::span<char> buffer, std::size_t& count, std::string& error);
+
+private:
+    std::filesystem::path path_;
+    Descriptor file_;
 };
 
 /// A file that is written once, and that everybody may read, whatever the process's umask. Every failure leaves one
@@ -39,7 +58,12 @@ class OutputFile {
 public:
     /// Creates the file, or empties it.
     [[nodiscard]] bool create(const std::filesystem::path& path, std::string& error);
+
+    /// Appends bytes.
     [[nodiscard]] bool write(std::span<const char> bytes, std::string& error);
+
+    /// Replaces bytes that were written before.
+    [[nodiscard]] bool writeAt(std::uint64_t position, std::span<const char> bytes, std::string& error);
 
     /// Returns once the content is on the disk.
     [[nodiscard]] bool finish(std::string& error);
@@ -47,18 +71,29 @@ public:
 private:
     std::filesystem::path path_;
     Descriptor file_;
+    std::uint64_t size_ = 0;
 };
 
 /// create(), write() and finish() in one.
 [[nodiscard]] bool writeFile(const std::filesystem::path& path, std::string_view text, std::string& error);
 
 /// Creates a folder and those above it, as far as they are missing, so that everybody may list and enter them, whatever
-/// the process's umask. Folders that are there already keep their permissions.
-[[nodiscard]] bool createFolders(const std::filesystem::path& folder, std::string& error);
+/// the process's umask. Folders that are there already keep their permissions. Each new folder is on the disk, entered
+/// in the one above it, before this returns.
+///
+/// @param made receives the folders that this call made, the outermost first; also after a failure
+[[nodiscard]] bool createFolders(const std::filesystem::path& folder, std::vector<std::filesystem::path>& made,
+                                 std::string& error);
 
 /// Renames a file, replacing the one that stands at `to`: whoever opens `to` gets the one file or the other, whole.
 [[nodiscard]] bool moveIntoPlace(const std::filesystem::path& from, const std::filesystem::path& to,
                                  std::string& error);
+
+/// Removes one file.
+[[nodiscard]] bool removeFile(const std::filesystem::path& file, std::string& error);
+
+/// Removes a folder with all that is in it, but nothing that links in it lead to. One that does not exist is no error.
+[[nodiscard]] bool removeTree(const std::filesystem::path& folder, std::string& error);
 
 /// Returns once the renames in a folder are on the disk.
 [[nodiscard]] bool syncFolder(const std::filesystem::path& folder, std::string& error);
@@ -69,7 +104,8 @@ private:
 /// @return false with a sentence when another process holds the lock or the folder cannot be opened or locked
 [[nodiscard]] bool lockFolder(const std::filesystem::path& folder, Descriptor& lock, std::string& error);
 
-/// True when standard output is a terminal.
-[[nodiscard]] bool outputIsTerminal();
+/// Removes folders that createFolders() has made, as far as they are empty, and gives up the lock on the innermost. No
+/// folder is removed that another process has locked.
+void removeMadeFolders(const std::vector<std::filesystem::path>& made, Descriptor lock);
 
 }  // namespace vorthmere::publish

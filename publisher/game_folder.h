@@ -8,25 +8,29 @@
 
 namespace vorthmere::publish {
 
+/// A file at the top of a game folder with patterns of what is no part of the game. It is never published itself.
+inline constexpr std::string_view kIgnoreFileName = ".kvnignore";
+
 /// What was found in a folder with the game's files.
 struct GameFolder {
     std::vector<ReleaseFile> files;         ///< in byte order of the paths, without digests
     std::vector<std::string> emptyFolders;  ///< folders without any file below them: a release cannot hold them
+    std::uint64_t excluded = 0;             ///< files and folders that a pattern leaves out
+};
+
+/// Patterns, with the syntax of IgnoreRules, in addition to those of kIgnoreFileName.
+struct GameFolderPatterns {
+    std::vector<std::string> exclude;  ///< what is left out
+    std::vector<std::string> include;  ///< what is let in though its name says that it is no part of a game
 };
 
 /// Lists the game's files without reading any of them.
 ///
 /// @param folder the folder, which is only read. `KVN_MANAGED_FILES.txt` and `kvn_release.txt` at its top level are
 ///               passed over: every release gets its own.
-/// @param error  receives one sentence naming the file and the rule when the folder holds a link or a special file, or
-///               a name that the updater does not accept
-[[nodiscard]] bool listGameFolder(const std::filesystem::path& folder, GameFolder& found, std::string& error);
-
-/// Judges all files of a release together, the generated ones included, by what the updater accepts.
-///
-/// @param files with sizes, in byte order of the paths
-/// @param error receives one sentence naming the file and the rule: two paths that are one on Windows, a file that is
-///              also a folder, too many files, too many bytes, a missing required file, a list that is too long
-[[nodiscard]] bool judgeReleaseFiles(const std::vector<ReleaseFile>& files, std::string& error);
+/// @param error  receives one sentence for each link, special file, name that the updater does not accept, and name
+///               that says that it is no part of a game, one a line
+[[nodiscard]] bool listGameFolder(const std::filesystem::path& folder, const GameFolderPatterns& patterns,
+                                  GameFolder& found, std::string& error);
 
 }  // namespace vorthmere::publish

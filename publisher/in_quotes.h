@@ -6,19 +6,11 @@
 
 namespace vorthmere::publish {
 
-/// A name as it stands in a sentence.
-[[nodiscard]] inline std::string inQuotes(std::string_view name) {
-    std::string text(1, '"');
-    text.append(name).push_back('"');
-    return text;
-}
-
-[[nodiscard]] inline std::string inQuotes(const std::string& name) {
-    return inQuotes(std::string_view(name));
-}
-
-[[nodiscard]] inline std::string inQuotes(const std::filesystem::path& path) {
-    return inQuotes(std::string_view(path.string()));
-}
+/// A name as it stands in a sentence. Control characters, with which a name could change what a terminal shows, are
+/// written as "\x1B".
+[[nodiscard]] std::string inQuotes(std::string_view name);
+[[nodiscard]] std::string inQuotes(const std::string& name);
+[[nodiscard]] std::string inQuotes(const char* name);
+[[nodiscard]] std::string inQuotes(const std::filesystem::path& path);
 
 }  // namespace vorthmere::publish

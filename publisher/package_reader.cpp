@@ -3,12 +3,16 @@
 #include <archive.h>
 #include <archive_entry.h>
 
+#include <cstdio>
 #include <map>
 #include <memory>
 #include <string_view>
 #include <thread>
 
+#include "publisher/channel_file.h"
+#include "publisher/durable_files.h"
 #include "publisher/in_quotes.h"
+#include "publisher/interruption.h"
 #include "publisher/parallel_work.h"
 #include "publisher/release_texts.h"
 #include "publisher/sha256.h"
@@ -24,12 +28,46 @@ struct ReadArchiveRelease {
     }
 };
 
+/// What the library reads from.
+struct PackageInput {
+    InputFile file;
+    std::uint64_t size = 0;
+    std::uint64_t position = 0;
+    std::vector<char> block;
+};
+
+la_ssize_t readBlock(archive*, void* context, const void** bytes) {
+    auto& input = *static_cast<PackageInput*>(context);
+    std::size_t count = 0;
+    std::string unreadable;
+    if (!input.file.readAt(input.position, input.block, count, unreadable)) return ARCHIVE_FATAL;
+    input.position += count;
+    *bytes = input.block.data();
+    return static_cast<la_ssize_t>(count);
+}
+
+la_int64_t seekTo(archive*, void* context, la_int64_t offset, int origin) {
+    auto& input = *static_cast<PackageInput*>(context);
+    const std::uint64_t from = origin == SEEK_END ? input.size : origin == SEEK_CUR ? input.position : 0;
+    input.position = from + static_cast<std::uint64_t>(offset);
+    return static_cast<la_int64_t>(input.position);
+}
+
 class PackageReader {
 public:
     bool open(const std::filesystem::path& package, std::string& error) {
+        // The library jumps from entry to entry, and most are smaller than a block for copying.
+        constexpr std::size_t kReadBytes = 65536;
+        input_.block.resize(kReadBytes);
+        input_.size = lookAtFile(package).size;
+        if (!input_.file.open(package, error)) return false;
         zip_.reset(archive_read_new());
-        const bool opened = zip_ && archive_read_support_format_zip_seekable(zip_.get()) == ARCHIVE_OK &&
-                            archive_read_open_filename(zip_.get(), package.c_str(), kBlockBytes) == ARCHIVE_OK;
+        archive* const zip = zip_.get();
+        const bool opened = zip && archive_read_support_format_zip_seekable(zip) == ARCHIVE_OK &&
+                            archive_read_set_read_callback(zip, readBlock) == ARCHIVE_OK &&
+                            archive_read_set_seek_callback(zip, seekTo) == ARCHIVE_OK &&
+                            archive_read_set_callback_data(zip, &input_) == ARCHIVE_OK &&
+                            archive_read_open1(zip) == ARCHIVE_OK;
         return opened || fail(error);
     }
 
@@ -40,20 +78,25 @@ public:
         return result == ARCHIVE_OK || result == ARCHIVE_EOF || fail(error);
     }
 
-    /// Unpacks the current entry into nothing.
-    bool measure(std::uint64_t& size, std::string& sha256, const BytesDone& done, std::string& error) {
+    /// Unpacks the current entry into nothing, but no more of it than one block above `maxBytes`.
+    bool measure(std::uint64_t maxBytes, std::uint64_t& size, std::string& sha256, const BytesDone& done,
+                 std::string& error) {
         Sha256 digest;
         size = 0;
         std::vector<char> block(kBlockBytes);
         la_ssize_t count = 0;
-        while ((count = archive_read_data(zip_.get(), block.data(), block.size())) > 0) {
+        while (size <= maxBytes && (count = archive_read_data(zip_.get(), block.data(), block.size())) > 0) {
+            if (isInterrupted()) {
+                error = interruptionSentence();
+                return false;
+            }
             const std::span<const char> bytes(block.data(), static_cast<std::size_t>(count));
             digest.add(bytes);
             size += bytes.size();
             done(bytes.size());
         }
         sha256 = digest.finish();
-        return count == 0 || fail(error);
+        return count >= 0 || fail(error);
     }
 
 private:
@@ -63,10 +106,12 @@ private:
         return false;
     }
 
+    PackageInput input_;
     std::unique_ptr<archive, ReadArchiveRelease> zip_;
 };
 
 using Expected = std::map<std::string, const update::InventoryEntry*, std::less<>>;
+using Known = std::set<std::string, std::less<>>;
 
 bool listingIsAccepted(const std::filesystem::path& package, const Expected& expected, std::string& error) {
     PackageReader reader;
@@ -74,7 +119,7 @@ bool listingIsAccepted(const std::filesystem::path& package, const Expected& exp
     if (!reader.open(package, error)) return false;
     std::vector<std::string> names;
     Expected missing = expected;
-    while (reader.next(entry, error) && entry) {
+    while (names.size() <= update::kMaxArchiveEntries && reader.next(entry, error) && entry) {
         const char* const name = archive_entry_pathname(entry);
         names.emplace_back(name ? name : "");
         if (archive_entry_filetype(entry) == AE_IFDIR) continue;
@@ -104,17 +149,21 @@ bool listingIsAccepted(const std::filesystem::path& package, const Expected& exp
 
 /// Unpacks every `stride`-th entry, from the one numbered `first` on: one reader can only go through an archive entry
 /// by entry, so several share the work.
-bool contentsMatch(const std::filesystem::path& package, const Expected& expected, std::size_t first,
-                   std::size_t stride, const BytesDone& done, std::string& error) {
+bool contentsMatch(const std::filesystem::path& package, const Expected& expected, const Known& known,
+                   std::size_t first, std::size_t stride, const BytesDone& done, std::string& error) {
     PackageReader reader;
     archive_entry* entry = nullptr;
     if (!reader.open(package, error)) return false;
     for (std::size_t number = 0; reader.next(entry, error) && entry; ++number) {
         if (number % stride != first || archive_entry_filetype(entry) != AE_IFREG) continue;
         const update::InventoryEntry& wanted = *expected.at(archive_entry_pathname(entry));
+        if (known.contains(wanted.path)) {
+            done(wanted.size);
+            continue;
+        }
         std::uint64_t size = 0;
         std::string sha256;
-        if (!reader.measure(size, sha256, done, error)) return false;
+        if (!reader.measure(wanted.size, size, sha256, done, error)) return false;
         if (size == wanted.size && sha256 == wanted.sha256) continue;
         error = inQuotes(wanted.path) + " in the package has other content than the file inventory says.";
         return false;
@@ -122,19 +171,33 @@ bool contentsMatch(const std::filesystem::path& package, const Expected& expecte
     return error.empty();
 }
 
+bool readFacts(const std::filesystem::path& package, PackageFacts& facts, std::string& error) {
+    Sha256 digest;
+    facts = {};
+    const ContentSink hash = [&](std::span<const char> bytes) {
+        digest.add(bytes);
+        facts.size += bytes.size();
+        return true;
+    };
+    if (!readFile(package, hash, error)) return false;
+    facts.sha256 = digest.finish();
+    return true;
+}
+
 }  // namespace
 
 bool verifyPackage(const std::filesystem::path& package, const std::vector<update::InventoryEntry>& entries,
-                   const BytesDone& done, std::string& error) {
+                   const Known& known, PackageFacts& facts, const BytesDone& done, std::string& error) {
     Expected expected;
     for (const update::InventoryEntry& entry : entries)
         expected.emplace(entry.path, &entry);
     if (!listingIsAccepted(package, expected, error)) return false;
     const std::size_t readers = std::max(1U, std::thread::hardware_concurrency());
     return forEachInParallel(
-        readers,
-        [&](std::size_t reader, std::string& fault) {
-            return contentsMatch(package, expected, reader, readers, done, fault);
+        readers + 1,
+        [&](std::size_t job, std::string& fault) {
+            return job == 0 ? readFacts(package, facts, fault)
+                            : contentsMatch(package, expected, known, job - 1, readers, done, fault);
         },
         error);
 }

@@ -1,116 +1,167 @@
 #include "publisher/package_writer.h"
 
-#include <archive.h>
-#include <archive_entry.h>
+#include <algorithm>
+#include <optional>
 
-#include <memory>
-#include <stdexcept>
-
-#include "publisher/durable_files.h"
-#include "publisher/sha256.h"
+#include "publisher/in_quotes.h"
+#include "publisher/ordered_work.h"
+#include "publisher/packed_part.h"
+#include "publisher/zip_file.h"
 
 namespace vorthmere::publish {
 namespace {
 
-constexpr const char* kDeflateLevel = "6";
-constexpr unsigned kFileMode = 0644;
-
-struct WrittenArchiveRelease {
-    void operator()(archive* zip) const {
-        archive_write_free(zip);
-    }
-    void operator()(archive_entry* entry) const {
-        archive_entry_free(entry);
-    }
+/// A part of the package that one thread makes.
+struct Job {
+    const ReleaseFile* file;
+    const ZipEntry* ready;  ///< the entry of the previous package that it is taken from, or null
+    PackingMethod method;
+    std::uint64_t offset;  ///< into the content, or into the packed bytes of what is ready
+    std::size_t size;
+    bool isFirst;
+    bool isLast;
 };
 
-/// The archive's bytes on their way to the disk.
-struct PackageOutput {
-    const std::uint64_t maxBytes;
-    OutputFile file = {};
-    Sha256 digest = {};
-    std::uint64_t size = 0;
-    std::string fault = {};
-};
-
-la_ssize_t takeBytes(archive*, void* context, const void* bytes, std::size_t count) {
-    auto& output = *static_cast<PackageOutput*>(context);
-    const std::span<const char> span(static_cast<const char*>(bytes), count);
-    output.size += count;
-    if (output.size > output.maxBytes)
-        output.fault = "The package would be larger than " + std::to_string(output.maxBytes) +
-                       " bytes, which is the most that the updater accepts.";
-    else if (output.file.write(span, output.fault))
-        output.digest.add(span);
-    return output.fault.empty() ? static_cast<la_ssize_t>(count) : -1;
+void addJobs(const Job& model, std::uint64_t bytes, std::vector<Job>& jobs) {
+    std::uint64_t offset = 0;
+    do {
+        Job job = model;
+        job.offset = offset;
+        job.size = static_cast<std::size_t>(std::min<std::uint64_t>(bytes - offset, kBlockBytes));
+        job.isFirst = offset == 0;
+        offset += job.size;
+        job.isLast = offset == bytes;
+        jobs.push_back(job);
+    } while (offset < bytes);
 }
 
+std::vector<Job> jobsFor(const std::vector<ReleaseFile>& files, const PreviousPackage* previous, bool deflatesAll) {
+    std::vector<Job> jobs;
+    for (const ReleaseFile& file : files) {
+        const PackingMethod method = deflatesAll || file.worthDeflating ? PackingMethod::deflate : PackingMethod::store;
+        const ZipEntry* ready = previous ? previous->find(file.entry, file.crc) : nullptr;
+        // So that a package does not depend on what is taken from another one.
+        if (ready && ready->method != method) ready = nullptr;
+        addJobs({&file, ready, method, 0, 0, false, false}, ready ? ready->packedSize : file.entry.size, jobs);
+    }
+    return jobs;
+}
+
+std::string changed(const ReleaseFile& file) {
+    return inQuotes(file.entry.path) + " changed while the release was being built; let nothing write to it.";
+}
+
+/// Reads the content of a job and, of what is deflated, what stands before it.
+///
+/// @param before receives the number of bytes in front that are not the job's own
+bool readJob(const Job& job, std::vector<char>& content, std::size_t& before, std::string& error) {
+    const ReleaseFile& file = *job.file;
+    const std::uint64_t lookBack = job.method == PackingMethod::deflate ? kDeflateWindowBytes : 0;
+    before = static_cast<std::size_t>(std::min(job.offset, lookBack));
+    const std::uint64_t begin = job.offset - before;
+    if (file.source.empty()) {
+        const auto first = file.text.begin() + static_cast<std::ptrdiff_t>(begin);
+        content.assign(first, first + static_cast<std::ptrdiff_t>(before + job.size));
+        return true;
+    }
+    InputFile input;
+    // One byte more at the end tells that the file has grown.
+    content.resize(before + job.size + (job.isLast ? 1 : 0));
+    std::size_t count = 0;
+    if (!input.open(file.source, error) || !input.readAt(begin, content, count, error)) return false;
+    if (count != before + job.size) error = changed(file);
+    content.resize(before + job.size);
+    return error.empty();
+}
+
+bool makePart(const Job& job, const PreviousPackage* previous, PackedPart& part, std::string& error) {
+    if (job.ready) {
+        part.bytes.resize(job.size);
+        return previous->read(*job.ready, job.offset, part.bytes, error);
+    }
+    std::vector<char> content;
+    std::size_t before = 0;
+    if (!readJob(job, content, before, error)) return false;
+    const std::span<const char> own = std::span<const char>(content).subspan(before);
+    part = job.method == PackingMethod::store
+               ? storePart(own)
+               : deflatePart(std::span<const char>(content).first(before), own, job.isLast);
+    return true;
+}
+
+/// Puts the parts into the archive in their order.
 class PackageWriter {
 public:
-    explicit PackageWriter(PackageOutput& output) : output_(output), zip_(archive_write_new()) {
-        if (!zip_) throw std::runtime_error("There is no memory left for the package.");
+    PackageWriter(const std::vector<Job>& jobs, const std::atomic<bool>& stop, const BytesDone& done)
+        : jobs_(jobs), stop_(stop), done_(done) {}
+
+    bool run(const PackageRequest& request, std::string& error) {
+        const bool written = zip_.create(request.target, request.maxBytes, error) &&
+                             forEachInOrder(
+                                 jobs_.size(),
+                                 [&](std::size_t index, PackedPart& part, std::string& fault) {
+                                     return makePart(jobs_[index], request.previous, part, fault);
+                                 },
+                                 [this](std::size_t index, const PackedPart& part, std::string& fault) {
+                                     return take(jobs_[index], part, fault);
+                                 },
+                                 error);
+        return written && zip_.finish(error);
     }
 
-    bool open(std::string& error) {
-        archive* zip = zip_.get();
-        // Output that is no file of the library's own is padded to whole blocks unless the last one may be short.
-        const bool opened =
-            archive_write_set_format_zip(zip) == ARCHIVE_OK &&
-            archive_write_set_format_option(zip, "zip", "compression-level", kDeflateLevel) == ARCHIVE_OK &&
-            archive_write_set_bytes_per_block(zip, static_cast<int>(kBlockBytes)) == ARCHIVE_OK &&
-            archive_write_set_bytes_in_last_block(zip, 1) == ARCHIVE_OK &&
-            archive_write_open(zip, &output_, nullptr, takeBytes, nullptr) == ARCHIVE_OK;
-        return opened || fail(error);
-    }
-
-    bool add(const ReleaseFile& file, const BytesDone& done, std::string& error) {
-        // No time is set: the library then writes the format's earliest date, whatever the machine's time zone, and
-        // leaves out the field with Unix times.
-        const std::unique_ptr<archive_entry, WrittenArchiveRelease> entry(archive_entry_new());
-        archive_entry_set_pathname(entry.get(), file.entry.path.c_str());
-        archive_entry_set_filetype(entry.get(), AE_IFREG);
-        archive_entry_set_perm(entry.get(), kFileMode);
-        archive_entry_set_size(entry.get(), static_cast<la_int64_t>(file.entry.size));
-        const int chosen = file.worthDeflating ? archive_write_zip_set_compression_deflate(zip_.get())
-                                               : archive_write_zip_set_compression_store(zip_.get());
-        if (chosen != ARCHIVE_OK || archive_write_header(zip_.get(), entry.get()) != ARCHIVE_OK) return fail(error);
-        const ContentSink pack = [&](std::span<const char> bytes) {
-            const la_ssize_t written = archive_write_data(zip_.get(), bytes.data(), bytes.size());
-            if (written != static_cast<la_ssize_t>(bytes.size())) return fail(error);
-            done(bytes.size());
-            return true;
-        };
-        return readContent(file, pack, error) && (archive_write_finish_entry(zip_.get()) == ARCHIVE_OK || fail(error));
-    }
-
-    bool close(std::string& error) {
-        return archive_write_close(zip_.get()) == ARCHIVE_OK || fail(error);
+    [[nodiscard]] bool isTooLarge() const {
+        return zip_.isTooLarge();
     }
 
 private:
-    bool fail(std::string& error) {
-        const char* reason = archive_error_string(zip_.get());
-        error = output_.fault;
-        if (error.empty()) error = "The package cannot be written: " + std::string(reason ? reason : "unknown") + ".";
-        return false;
+    bool take(const Job& job, const PackedPart& part, std::string& error) {
+        if (stop_) return false;
+        if (job.isFirst) {
+            crc_ = 0;
+            if (!zip_.beginEntry(job.file->entry.path, job.method, error)) return false;
+        }
+        if (!zip_.write(part.bytes, error)) return false;
+        if (!job.ready) crc_ = joinCrc(crc_, part);
+        done_(job.ready ? (job.isLast ? job.ready->size : 0) : job.size);
+        return !job.isLast || zip_.endEntry(job.file->entry.size, job.ready ? job.ready->crc : crc_, error);
     }
 
-    PackageOutput& output_;
-    std::unique_ptr<archive, WrittenArchiveRelease> zip_;
+    const std::vector<Job>& jobs_;
+    const std::atomic<bool>& stop_;
+    const BytesDone& done_;
+    ZipWriter zip_;
+    std::uint32_t crc_ = 0;
 };
+
+/// Files that are stored take their own size, so that this much is known before.
+bool storedFilesFit(const std::vector<ReleaseFile>& files, std::uint64_t maxBytes) {
+    std::uint64_t stored = 0;
+    for (const ReleaseFile& file : files)
+        if (!file.worthDeflating) stored += file.entry.size;
+    return stored <= maxBytes;
+}
+
+PathSet readyMade(const std::vector<Job>& jobs) {
+    PathSet paths;
+    for (const Job& job : jobs)
+        if (job.ready) paths.insert(job.file->entry.path);
+    return paths;
+}
 
 }  // namespace
 
-bool writePackage(const std::vector<ReleaseFile>& files, const std::filesystem::path& target, std::uint64_t maxBytes,
-                  PackageFacts& facts, const BytesDone& done, std::string& error) {
-    PackageOutput output{maxBytes};
-    PackageWriter writer(output);
-    if (!output.file.create(target, error) || !writer.open(error)) return false;
-    for (const ReleaseFile& file : files)
-        if (!writer.add(file, done, error)) return false;
-    if (!writer.close(error) || !output.file.finish(error)) return false;
-    facts = {output.size, output.digest.finish()};
-    return true;
+bool writePackage(const std::vector<ReleaseFile>& files, const PackageRequest& request, const std::atomic<bool>& stop,
+                  PathSet& taken, const BytesDone& done, std::string& error) {
+    for (bool deflatesAll = !storedFilesFit(files, request.maxBytes);; deflatesAll = true) {
+        error.clear();
+        const std::vector<Job> jobs = jobsFor(files, request.previous, deflatesAll);
+        PackageWriter writer(jobs, stop, done);
+        if (writer.run(request, error)) {
+            taken = readyMade(jobs);
+            return true;
+        }
+        if (!writer.isTooLarge() || deflatesAll) return false;
+    }
 }
 
 }  // namespace vorthmere::publish

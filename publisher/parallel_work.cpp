@@ -7,6 +7,8 @@
 #include <thread>
 #include <vector>
 
+#include "publisher/interruption.h"
+
 namespace vorthmere::publish {
 
 bool forEachInParallel(std::size_t count, const std::function<bool(std::size_t index, std::string& error)>& task,
@@ -21,7 +23,10 @@ bool forEachInParallel(std::size_t count, const std::function<bool(std::size_t i
             std::string fault;
             std::exception_ptr exception;
             try {
-                if (task(index, fault)) continue;
+                if (isInterrupted())
+                    fault = interruptionSentence();
+                else if (task(index, fault))
+                    continue;
             } catch (...) {
                 exception = std::current_exception();
             }

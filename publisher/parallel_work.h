@@ -10,7 +10,8 @@ namespace vorthmere::publish {
 ///
 /// @param task  may be called by several threads at the same time; returns false with a sentence to stop the work
 /// @param error receives the sentence of the first task that failed
-/// @return true when every task returned true; false also leaves out the tasks that had not begun
+/// @return true when every task returned true; false also leaves out the tasks that had not begun.
+///         An interruption stops the work like a task that failed.
 /// @throws whatever the first task that threw has thrown, after all threads have ended
 [[nodiscard]] bool forEachInParallel(std::size_t count,
                                      const std::function<bool(std::size_t index, std::string& error)>& task,

@@ -39,28 +39,31 @@ std::string brokenPathRule(std::string_view path) {
     return "the path is not relative to the game folder";
 }
 
-std::string clashOnWindows(const std::vector<std::string>& paths) {
+std::vector<std::string> clashesOnWindows(const std::vector<std::string>& paths) {
     std::map<std::string, std::string> fileNames;
     std::map<std::string, std::string> folderNames;
+    std::vector<std::string> clashes;
     for (const std::string& path : paths) {
         const auto [known, isNew] = fileNames.emplace(update::toAsciiLower(path), path);
         if (!isNew)
-            return inQuotes(path) + " and " + inQuotes(known->second) + " are one and the same file on Windows.";
+            clashes.push_back(inQuotes(path) + " and " + inQuotes(known->second) +
+                              " are one and the same file on Windows.");
         for (std::size_t slash = path.find('/'); slash != std::string::npos; slash = path.find('/', slash + 1)) {
             const std::string folder = path.substr(0, slash);
             const auto [first, isNewFolder] = folderNames.emplace(update::toAsciiLower(folder), folder);
-            if (!isNewFolder && first->second != folder)
-                return "The folders " + inQuotes(folder) + " and " + inQuotes(first->second) +
-                       " are one and the same on Windows.";
+            if (isNewFolder || first->second == folder) continue;
+            std::string clash = "The folders " + inQuotes(folder) + " and " + inQuotes(first->second) +
+                                " are one and the same on Windows.";
+            if (clashes.empty() || clashes.back() != clash) clashes.push_back(std::move(clash));
         }
     }
     for (const auto& [key, folder] : folderNames) {
         const auto file = fileNames.find(key);
         if (file != fileNames.end())
-            return inQuotes(file->second) + " is a file and " + inQuotes(folder) +
-                   " a folder; Windows allows only one of them.";
+            clashes.push_back(inQuotes(file->second) + " is a file and " + inQuotes(folder) +
+                              " a folder; Windows allows only one of them.");
     }
-    return {};
+    return clashes;
 }
 
 }  // namespace vorthmere::publish

@@ -14,7 +14,7 @@ namespace vorthmere::publish {
 /// Says which two of a release's paths Windows cannot keep apart: files or folders that differ only in letter case, or
 /// a file that is also a folder.
 ///
-/// @return one sentence about the first such pair, or nothing when there is none
-[[nodiscard]] std::string clashOnWindows(const std::vector<std::string>& paths);
+/// @return one sentence about each such pair
+[[nodiscard]] std::vector<std::string> clashesOnWindows(const std::vector<std::string>& paths);
 
 }  // namespace vorthmere::publish

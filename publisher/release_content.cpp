@@ -1,25 +1,25 @@
 #include "publisher/release_content.h"
 
-#include <fstream>
-
-#include "publisher/deflate_trial.h"
+#include "publisher/durable_files.h"
 #include "publisher/in_quotes.h"
-#include "publisher/parallel_work.h"
-#include "publisher/sha256.h"
+#include "publisher/interruption.h"
 
 namespace vorthmere::publish {
 
 bool readFile(const std::filesystem::path& path, const ContentSink& sink, std::string& error) {
-    std::ifstream file(path, std::ios::binary);
+    InputFile file;
+    if (!file.open(path, error)) return false;
     std::vector<char> block(kBlockBytes);
-    while (file) {
-        file.read(block.data(), static_cast<std::streamsize>(block.size()));
-        const auto count = static_cast<std::size_t>(file.gcount());
+    std::size_t count = block.size();
+    for (std::uint64_t position = 0; count == block.size(); position += count) {
+        if (isInterrupted()) {
+            error = interruptionSentence();
+            return false;
+        }
+        if (!file.readAt(position, block, count, error)) return false;
         if (count != 0 && !sink({block.data(), count})) return false;
     }
-    if (file.eof()) return true;
-    error = inQuotes(path) + " cannot be read.";
-    return false;
+    return true;
 }
 
 bool readContent(const ReleaseFile& file, const ContentSink& sink, std::string& error) {
@@ -34,27 +34,6 @@ bool readContent(const ReleaseFile& file, const ContentSink& sink, std::string& 
     if (error.empty() && (read || size > file.entry.size))
         error = inQuotes(file.entry.path) + " changed while the release was being built; let nothing write to it.";
     return false;
-}
-
-bool hashReleaseFiles(std::vector<ReleaseFile>& files, const BytesDone& done, std::string& error) {
-    return forEachInParallel(
-        files.size(),
-        [&](std::size_t index, std::string& fault) {
-            ReleaseFile& file = files[index];
-            Sha256 digest;
-            DeflateTrial trial;
-            const ContentSink hash = [&](std::span<const char> bytes) {
-                digest.add(bytes);
-                trial.add(bytes);
-                done(bytes.size());
-                return true;
-            };
-            if (!readContent(file, hash, fault)) return false;
-            file.entry.sha256 = digest.finish();
-            file.worthDeflating = trial.isWorthIt();
-            return true;
-        },
-        error);
 }
 
 std::vector<update::InventoryEntry> inventoryOf(const std::vector<ReleaseFile>& files) {

@@ -20,6 +20,7 @@ struct ReleaseFile {
     std::filesystem::path source;  ///< where the content lies; empty for a file that is generated
     std::string text;              ///< the content of a generated file
     bool worthDeflating = true;    ///< found out by hashReleaseFiles(); a package stores the file plainly otherwise
+    std::uint32_t crc = 0;         ///< CRC-32, filled in by hashReleaseFiles()
 };
 
 /// Takes the next bytes of a content; false stops the reading.
@@ -36,9 +37,6 @@ using BytesDone = std::function<void(std::uint64_t count)>;
 
 /// Like readFile(), for a file of a release, which must still have the size that was found when it was listed.
 [[nodiscard]] bool readContent(const ReleaseFile& file, const ContentSink& sink, std::string& error);
-
-/// Computes the digest of every file and whether deflating it is worth the time, on all processors.
-[[nodiscard]] bool hashReleaseFiles(std::vector<ReleaseFile>& files, const BytesDone& done, std::string& error);
 
 /// The entries of `files`, in their order.
 [[nodiscard]] std::vector<update::InventoryEntry> inventoryOf(const std::vector<ReleaseFile>& files);

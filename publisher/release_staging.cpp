@@ -32,23 +32,25 @@ bool stageObject(const ReleaseFile& file, const fs::path& target, const BytesDon
     return false;
 }
 
-/// Packing keeps one processor busy for much longer than the objects need, so they are written beside it.
+/// Packing keeps one processor busy for much longer than the objects need, so they are written beside it. Whichever
+/// fails first stops the other.
 bool stageContent(const std::vector<ReleaseFile>& files, const std::vector<const ReleaseFile*>& newObjects,
-                  const fs::path& workFolder, const fs::path& package, PackageFacts& facts, const BytesDone& done,
+                  const fs::path& workFolder, const PackageRequest& package, PathSet& taken, const BytesDone& done,
                   std::string& error) {
-    std::atomic<bool> packingFailed{false};
+    std::atomic<bool> hasFailed{false};
     return forEachInParallel(
         2,
         [&](std::size_t job, std::string& fault) {
-            if (job == 0) {
-                const bool packed = writePackage(files, package, update::kMaxPackageBytes, facts, done, fault);
-                packingFailed = !packed;
-                return packed;
-            }
-            for (const ReleaseFile* file : newObjects)
-                if (packingFailed || !stageObject(*file, workFolder / objectName(file->entry.sha256), done, fault))
-                    return packingFailed.load();
-            return true;
+            bool written = true;
+            if (job == 0)
+                written = writePackage(files, package, hasFailed, taken, done, fault);
+            else
+                for (std::size_t i = 0; written && !hasFailed && i < newObjects.size(); ++i)
+                    written =
+                        stageObject(*newObjects[i], workFolder / objectName(newObjects[i]->entry.sha256), done, fault);
+            if (!written) hasFailed = true;
+            // Without a sentence it was stopped by the other, which has one.
+            return written || fault.empty();
         },
         error);
 }
@@ -68,36 +70,37 @@ bool readBack(const fs::path& workFolder, const StagedRelease& staged, const std
 }  // namespace
 
 bool stageRelease(const std::vector<ReleaseFile>& files, const std::vector<const ReleaseFile*>& newObjects,
-                  const update::Manifest& details, const fs::path& workFolder, Console& console, StagedRelease& staged,
-                  std::string& error) {
+                  const update::Manifest& details, const PreviousPackage* previous, const fs::path& workFolder,
+                  Console& console, StagedRelease& staged, std::string& error) {
     const BytesDone done = [&console](std::uint64_t count) { console.advance(count); };
     const fs::path package = workFolder / packageName(details.release);
 
     std::uint64_t objectBytes = 0;
     for (const ReleaseFile* file : newObjects)
         objectBytes += file->entry.size;
-    PackageFacts facts;
+    PathSet taken;
     console.beginStep(
         "Packing " + countOf(files.size(), "file") + " and writing " + countOf(newObjects.size(), "new object"),
         totalBytes(files) + objectBytes);
-    const bool written = stageContent(files, newObjects, workFolder, package, facts, done, error);
+    const bool written =
+        stageContent(files, newObjects, workFolder, {package, update::kMaxPackageBytes, previous}, taken, done, error);
     console.endStep();
     if (!written) return false;
+
+    PackageFacts facts;
+    console.beginStep("Verifying what was written", totalBytes(files));
+    const bool verified = verifyPackage(package, inventoryOf(files), taken, facts, done, error);
+    console.endStep();
+    if (!verified) return false;
 
     staged.manifest = details;
     staged.manifest.size = facts.size;
     staged.manifest.sha256 = facts.sha256;
     staged.manifest.url = std::string(update::kDownloadBaseUrl) + packageName(details.release);
     staged.inventory = inventoryText(staged.manifest, inventoryOf(files));
-    if (!writeFile(workFolder / inventoryName(details.release), staged.inventory, error) ||
-        !writeFile(workFolder / update::kManifestName, manifestText(staged.manifest), error))
-        return false;
-
-    console.beginStep("Verifying what was written", totalBytes(files));
-    const bool verified =
-        readBack(workFolder, staged, files, error) && verifyPackage(package, inventoryOf(files), done, error);
-    console.endStep();
-    return verified;
+    return writeFile(workFolder / inventoryName(details.release), staged.inventory, error) &&
+           writeFile(workFolder / update::kManifestName, manifestText(staged.manifest), error) &&
+           readBack(workFolder, staged, files, error);
 }
 
 }  // namespace vorthmere::publish

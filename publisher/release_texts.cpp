@@ -16,10 +16,6 @@ std::string inventoryName(std::uint32_t release) {
     return packageName(release) + std::string(update::kInventorySuffix);
 }
 
-std::string objectName(std::string_view sha256) {
-    return std::string(update::kObjectNamePrefix) + std::string(sha256) + std::string(update::kObjectNameSuffix);
-}
-
 std::string packageNameOf(const update::Manifest& manifest) {
     return manifest.url.substr(manifest.url.rfind('/') + 1);
 }

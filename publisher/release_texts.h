@@ -7,13 +7,14 @@
 
 #include "update/file_inventory.h"
 #include "update/manifest.h"
+#include "update/release_channel.h"
 
 namespace vorthmere::publish {
 
 /// Names of a channel's files.
 [[nodiscard]] std::string packageName(std::uint32_t release);
 [[nodiscard]] std::string inventoryName(std::uint32_t release);
-[[nodiscard]] std::string objectName(std::string_view sha256);
+using update::objectName;
 
 /// The last component of a package's address.
 [[nodiscard]] std::string packageNameOf(const update::Manifest& manifest);

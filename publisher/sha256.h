@@ -5,8 +5,6 @@
 #include <string>
 #include <string_view>
 
-struct evp_md_ctx_st;
-
 namespace vorthmere::publish {
 
 /// Computes one SHA-256 digest.
@@ -22,10 +20,15 @@ public:
 
 private:
     struct Release {
-        void operator()(evp_md_ctx_st* context) const;
+        void operator()(void* context) const;
     };
-    std::unique_ptr<evp_md_ctx_st, Release> context_;
+    std::unique_ptr<void, Release> context_;
 };
+
+inline constexpr std::size_t kDigestBytes = 32;
+
+/// Two digits for each byte, in lower case.
+[[nodiscard]] std::string hexadecimal(std::span<const unsigned char> bytes);
 
 [[nodiscard]] std::string sha256Of(std::string_view text);
 

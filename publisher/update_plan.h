@@ -21,9 +21,7 @@ struct UpdatePlan {
 
 /// Finds out how an updater would get from an older release to the one that a channel offers.
 ///
-/// @param from  the older release: its inventory, an installation, or the game folder that it was built from. Of an
-///              installation only the files on its managed-file list count as removed; a game folder has no such list,
-///              and everything in it counts.
+/// @param from  the older release, as readInstalledRelease() takes it
 /// @param error receives the sentence of a failure; an unusable inventory of the offered release is none, as updaters
 ///              then take the complete package
 [[nodiscard]] bool planUpdate(const std::filesystem::path& from, const std::filesystem::path& channel, Console& console,

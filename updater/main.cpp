@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "update/exit_code.h"
-#include "updater/abnormal_end.h"
 #include "updater/command_line.h"
 #include "updater/progress_window.h"
 #include "updater/update_run.h"
@@ -46,6 +45,8 @@ void dispatchMessages() {
 }  // namespace
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int showCommand) {
+    // Before anything loads a DLL by its bare name: the game's folder is no place to take the system's from.
+    SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
     std::set_terminate(endAbnormally);
     SetProcessDPIAware();

@@ -1,11 +1,12 @@
 #include "updater/worker.h"
 
+#include <cstdlib>
 #include <exception>
 #include <memory>
 #include <string>
 #include <utility>
 
-#include "updater/abnormal_end.h"
+#include "update/exit_code.h"
 #include "updater/posted_record.h"
 #include "updater/update_run.h"
 
@@ -25,6 +26,12 @@ ProgressCallback progressPoster(HWND window) {
         ProgressRecord step{std::move(text), percent};
         if (postRecord(window, std::make_unique<ProgressRecord>(step))) shown = std::move(step);
     };
+}
+
+void endAbnormally() noexcept {
+    static_assert(kAbnormalExitCode == STATUS_FATAL_APP_EXIT);
+    TerminateProcess(GetCurrentProcess(), kAbnormalExitCode);
+    std::abort();
 }
 
 }  // namespace vorthmere::update

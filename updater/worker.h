@@ -18,4 +18,8 @@ void runWorker(Arguments arguments, HWND window) noexcept;
 /// a queue takes 10,000 messages, a download comes in many more pieces, and what follows a full queue is lost.
 [[nodiscard]] ProgressCallback progressPoster(HWND window);
 
+/// Ends the process at once with kAbnormalExitCode. The handler for std::terminate in every thread: the C library's own
+/// would show a message box first, which no error mode keeps away, and the run would wait for somebody to close it.
+[[noreturn]] void endAbnormally() noexcept;
+
 }  // namespace vorthmere::update

@@ -5,8 +5,10 @@ import sys
 
 import growth
 import measurements
+import processor
 import table
 from checkout import ROOT, WORK
+from sizes import Sizes
 
 DOCUMENT = ROOT / "docs" / "performance.md"
 TABLE_BEGINS = "<!-- table -->\n"
@@ -22,8 +24,8 @@ def keep_table(rows):
 
 def parse_options():
     parser = argparse.ArgumentParser(prog="scripts/bench", description=__doc__)
-    parser.add_argument("--tsv", action="store_true", help="print the rows separated by tabs: name, value, floor, "
-                        "ratio, aim")
+    parser.add_argument("--tsv", action="store_true", help="print the rows separated by tabs, in the order of "
+                        "the table")
     parser.add_argument("--quick", action="store_true", help="small sizes and few repetitions, for work on the "
                         "benchmarks themselves; such figures mean nothing")
     parser.add_argument("--only", action="append", choices=[*measurements.MEASUREMENTS, "growth"], metavar="NAME",
@@ -35,19 +37,35 @@ def parse_options():
     return options
 
 
+def measure(options, chosen, rows):
+    """@return what could not be measured, and why"""
+    sizes = Sizes(options.quick)
+    failures = measurements.measure(sizes, [name for name in chosen if name != "growth"], rows)
+    if "growth" in chosen:
+        try:
+            growth.measure(sizes, ROOT / "docs" if options.keep else WORK)
+        except measurements.FAILURES as failure:
+            failures.append(f"growth was not measured: {failure}")
+    return failures
+
+
 def main():
     options = parse_options()
-    chosen = options.only or [*measurements.MEASUREMENTS, "growth"]
-    sizes = measurements.Sizes(options.quick)
+    processor.adopt_orphans()
     shutil.rmtree(WORK, ignore_errors=True)
     WORK.mkdir(parents=True)
-    rows = measurements.measure(sizes, [name for name in chosen if name != "growth"])
-    print(table.as_tsv(rows) if options.tsv else table.as_text(rows), end="", flush=True)
-    if "growth" in chosen:
-        growth.measure(sizes, ROOT / "docs" if options.keep else WORK)
-    if options.keep:
+    rows, failures = [], ["not all was measured"]
+    try:
+        failures = measure(options, options.only or [*measurements.MEASUREMENTS, "growth"], rows)
+    finally:
+        # Timings first, then memory; whatever has happened.
+        rows.sort(key=lambda row: row.name.startswith("memory:"))
+        print(table.as_tsv(rows) if options.tsv else table.as_text(rows), end="", flush=True)
+        for failure in failures:
+            print(failure, file=sys.stderr)
+    if options.keep and not failures:
         keep_table(rows)
-    return 0
+    return 1 if failures else 0
 
 
 sys.exit(main())

@@ -24,12 +24,12 @@ plot "{data}" using 1:2 with linespoints linewidth 2 pointtype 7 title "incremen
 def _measure_one(files, total, repetitions):
     say(f"growth: {files} files, {total // MIB} MiB")
     with UpdateBench("growth", files, total, 4, changed=1) as bench:
-        return bench.compare_incremental(repetitions)
+        return bench.compare_incremental(repetitions).time
 
 
 def _plot(output, title, label, points):
     data = WORK / (output.stem + ".tsv")
-    data.write_text("".join(f"{x}\t{figure:.3f}\t{floor:.3f}\n" for x, (figure, floor) in points))
+    data.write_text("".join(f"{x}\t{pairs.figure:.3f}\t{pairs.floor:.3f}\n" for x, pairs in points))
     script = PLOT.format(output=output, title=title, label=label, data=data)
     subprocess.run(["gnuplot"], input=script, text=True, check=True)
 

@@ -1,8 +1,12 @@
 """Measures a figure and its floor side by side."""
+import dataclasses
 import os
+import statistics
 import subprocess
 import sys
 import time
+
+import processor
 
 
 def say(text):
@@ -12,6 +16,39 @@ def say(text):
 _STARTED = time.monotonic()
 
 
+@dataclasses.dataclass
+class Cost:
+    """What one run took, in seconds: time, and the processor time of all its processes together."""
+
+    seconds: float
+    processor: float
+
+    def __add__(self, other):
+        return Cost(self.seconds + other.seconds, self.processor + other.processor)
+
+
+class Pairs:
+    """A value of a figure and one of its floor, measured one after the other, several times."""
+
+    def __init__(self, figures, floors):
+        self.figure = statistics.median(figures)
+        self.floor = statistics.median(floors)
+        ratios = [figure / floor for figure, floor in zip(figures, floors)]
+        self.ratio = statistics.median(ratios)
+        self.quartiles = (self.ratio, self.ratio)
+        if len(ratios) > 1:
+            lower, _, upper = statistics.quantiles(ratios, n=4, method="inclusive")
+            self.quartiles = (lower, upper)
+
+
+class Comparison:
+    """Runs of a figure and of its floor, in pairs."""
+
+    def __init__(self, figures, floors):
+        self.time = Pairs([cost.seconds for cost in figures], [cost.seconds for cost in floors])
+        self.processor = Pairs([cost.processor for cost in figures], [cost.processor for cost in floors])
+
+
 def _settled(measure):
     # What was written before is on the disk, so that nobody else's writing is measured.
     os.sync()
@@ -19,27 +56,30 @@ def _settled(measure):
 
 
 def compare(repetitions, figure, floor):
-    """The least of each over so many repetitions, in turn, each of them first as often as second.
+    """So many pairs of the two, each of them first as often as second.
 
-    The least, because whatever else runs on the machine only adds. `figure` and `floor` prepare what they need, measure
-    and return seconds.
+    `figure` and `floor` prepare what they need, measure and return a Cost.
     """
     figures, floors = [], []
     for repetition in range(repetitions):
         turns = [(figure, figures), (floor, floors)]
         for measure, results in turns if repetition % 2 == 0 else reversed(turns):
             results.append(_settled(measure))
-    say("  figure " + " ".join(f"{s:.3f}" for s in figures) + "   floor " + " ".join(f"{s:.3f}" for s in floors))
-    return min(figures), min(floors)
+    say("  figure " + " ".join(f"{cost.seconds:.3f}" for cost in figures) +
+        "   floor " + " ".join(f"{cost.seconds:.3f}" for cost in floors))
+    return Comparison(figures, floors)
 
 
-def least(repetitions, measure):
-    """The least over so many repetitions."""
-    return min(_settled(measure) for _ in range(repetitions))
+def median_seconds(repetitions, measure):
+    """The median over so many repetitions."""
+    return statistics.median(_settled(measure).seconds for _ in range(repetitions))
 
 
-def seconds_of_native(*command):
-    """The seconds that a native program takes from start to end."""
-    started = time.monotonic()
-    subprocess.run([str(word) for word in command], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)
-    return time.monotonic() - started
+def cost_of_native(*command):
+    """What a native program takes from start to end."""
+    def seconds():
+        started = time.monotonic()
+        subprocess.run([str(word) for word in command], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)
+        return time.monotonic() - started
+
+    return Cost(*processor.measured(seconds))

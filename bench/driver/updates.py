@@ -5,7 +5,7 @@ import games
 import wine
 from channel import served
 from checkout import BENCH, UPDATER, WORK, download_base_url
-from timing import compare, least
+from timing import compare, median_seconds
 
 OBJECT_NAME = "KVN-file-{}.bin"
 
@@ -77,43 +77,43 @@ class UpdateBench:
         self._clear_target()
         self._write_list(set(self.changed) if fetch else set())
         prefix = [download_base_url()] if fetch else []
-        return wine.seconds_of(BENCH, "staging-floor", self.installation.folder, self.target, self.list, *prefix)
+        return wine.cost_of(BENCH, "staging-floor", self.installation.folder, self.target, self.list, *prefix)
 
     def archive_floor(self):
         shutil.rmtree(self.target, ignore_errors=True)
         self.target.mkdir()
-        return wine.seconds_of(BENCH, "archive-floor", self.package, self.target)
+        return wine.cost_of(BENCH, "archive-floor", self.package, self.target)
 
     def compare_incremental(self, repetitions):
-        return compare(repetitions, lambda: self.incremental(wine.seconds_of, self.local_objects()),
+        return compare(repetitions, lambda: self.incremental(wine.cost_of, self.local_objects()),
                        lambda: self.staging_floor(fetch=False))
 
     def compare_https(self, repetitions):
         with served(self.channel, WORK / "server"):
-            times = compare(repetitions, lambda: self.incremental(wine.seconds_of, ()),
+            times = compare(repetitions, lambda: self.incremental(wine.cost_of, ()),
                             lambda: self.staging_floor(fetch=True))
             return times, self.incremental(wine.peak_private_bytes, ())
 
     def compare_complete(self, repetitions):
-        return compare(repetitions, lambda: self.complete(wine.seconds_of), self.archive_floor)
+        return compare(repetitions, lambda: self.complete(wine.cost_of), self.archive_floor)
 
     def _install(self):
         folder = self.folder / "moves"
         games.lay_out_for_moving(folder, [name for name, _ in games.inventory(self.package)], backup_folders=False)
-        return wine.seconds_inside("install", folder, folder / "list")
+        return wine.cost_inside("install", folder, folder / "list")
 
     # What the update's rules demand, by itself. The floor has left the release's files in the target.
 
     def cost_of_digests(self, repetitions):
         """Digesting each file of the release once."""
         self._write_list(set())
-        return least(repetitions, lambda: wine.seconds_inside("digest", self.target, self.list))
+        return median_seconds(repetitions, lambda: wine.cost_inside("digest", self.target, self.list))
 
     def cost_of_bringing_the_package(self, repetitions):
-        return least(repetitions, lambda: wine.seconds_inside("copy", self.package, self.folder / "package.zip"))
+        return median_seconds(repetitions, lambda: wine.cost_inside("copy", self.package, self.folder / "package.zip"))
 
     def cost_of_inspecting(self, repetitions):
-        return least(repetitions, lambda: wine.seconds_inside("inspect", self.target))
+        return median_seconds(repetitions, lambda: wine.cost_inside("inspect", self.target))
 
     def cost_of_installing(self, repetitions):
-        return least(repetitions, self._install)
+        return median_seconds(repetitions, self._install)

@@ -1,9 +1,12 @@
 """Runs Windows programs and looks at the memory that they take."""
 import os
 import subprocess
+import sys
 import time
 
-from checkout import BENCH, WINE_RUN
+import processor
+from checkout import BENCH, NOTHING, WINE_RUN
+from timing import Cost, say
 
 SAMPLE_INTERVAL_S = 0.002
 
@@ -17,20 +20,48 @@ def _words(command):
     return [str(WINE_RUN)] + [windows_path(word) if isinstance(word, os.PathLike) else str(word) for word in command]
 
 
+def _never_began(end):
+    """Whether this is how it ends when Wine cannot start a program, or one that the program starts.
+
+    Our programs say why when they fail, and the updater has no exit code 1.
+    """
+    said = end.stderr.strip()
+    return end.returncode == 1 and (not end.stdout + said or said.endswith(("error 1359", "ended with exit code 1")))
+
+
+def _began(command, attempt):
+    """Makes an attempt to run a program to its end, and a second one when Wine did not get it started.
+
+    Nothing has been done by such a start, so that repeating it repeats nothing else.
+
+    @return the ended process, which has succeeded
+    """
+    end = attempt()
+    if _never_began(end):
+        say(f"Wine did not start {command[0]}; it is started again")
+        end = attempt()
+    if end.returncode != 0:
+        sys.stderr.write(end.stderr)
+        raise RuntimeError(f"{command[0]} ended with exit code {end.returncode}")
+    return end
+
+
 def run(*command):
     """Runs a program to its end and returns what it printed. Words that are paths become Windows paths."""
-    end = subprocess.run(_words(command), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, check=True, text=True)
-    return end.stdout
+    return _began(command, lambda: subprocess.run(
+        _words(command), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False,
+        text=True)).stdout
 
 
-def seconds_inside(*command):
-    """The seconds that a subcommand of kvn_bench measured inside itself."""
-    return float(run(BENCH, *command))
+def cost_inside(*command):
+    """What a subcommand of kvn_bench takes: the seconds that it measured inside itself, and all of its processor time."""
+    printed, used = processor.measured(lambda: run(BENCH, *command))
+    return Cost(float(printed), used)
 
 
-def seconds_of(*command):
-    """The seconds from the start of a program to its end, as a Windows program that starts it sees them."""
-    return seconds_inside("time", *command)
+def cost_of(*command):
+    """What a program takes from its start to its end, as a Windows program that starts it sees it."""
+    return cost_inside("time", *command)
 
 
 def _private_bytes(process_id):
@@ -43,23 +74,31 @@ def _private_bytes(process_id):
     return sum(int(fields[name].split()[0]) * 1024 for name in ("Private_Dirty", "Swap") if name in fields)
 
 
-def peak_private_bytes(*command):
-    """The most private memory that a program took in one run."""
-    process = subprocess.Popen(_words(command), stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
-    peak = 0
+def _watch(command, samples):
+    """Runs a program to its end and adds its private memory, looked at again and again, to the samples."""
+    process = subprocess.Popen(_words(command), stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                               stderr=subprocess.PIPE, text=True)
     # wine-run becomes the program, so that this is the program's process.
     while process.poll() is None:
-        peak = max(peak, _private_bytes(process.pid))
+        samples.append(_private_bytes(process.pid))
         time.sleep(SAMPLE_INTERVAL_S)
-    if process.returncode != 0:
-        raise RuntimeError(f"{command[0]} ended with exit code {process.returncode}")
-    return peak
+    return subprocess.CompletedProcess(command, process.returncode, "", process.stderr.read())
+
+
+def peak_private_bytes(*command):
+    """The most private memory that a program took in one run."""
+    samples = [0]
+    _began(command, lambda: _watch(command, samples))
+    return max(samples)
 
 
 def idle_private_bytes():
     """The private memory of kvn_bench, which loads what the updater loads, when it does nothing."""
+    # Brings up the session, and fails when nothing can be run at all.
+    run(NOTHING)
     process = subprocess.Popen(_words([BENCH, "idle"]), stdin=subprocess.PIPE, stdout=subprocess.PIPE)
-    process.stdout.readline()
+    if not process.stdout.readline():
+        raise RuntimeError("kvn_bench does not start")
     idle = _private_bytes(process.pid)
     process.communicate()
     return idle

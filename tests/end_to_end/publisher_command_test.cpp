@@ -3,8 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/end_to_end/support/files.h"
-#include "tests/end_to_end/support/publisher.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/end_to_end/support/publisher_test.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::end_to_end {
@@ -13,17 +12,7 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 
-class PublisherCommandTest : public testing::Test {
-protected:
-    PublisherCommandTest() {
-        writeFile(game_ / "Vorthmere.exe", "the game");
-        writeFile(game_ / "KVNUpdater.exe", "the updater");
-    }
-
-    const update::testing::TemporaryFolder folder_;
-    const std::filesystem::path game_ = folder_ / "game";
-    const std::filesystem::path channel_ = folder_ / "channel";
-};
+using PublisherCommandTest = PublisherTest;
 
 TEST_F(PublisherCommandTest, HelpNamesTheAddressTheSubcommandsAndTheirOptions) {
     const ToolEnd help = runPublisher({"--help"});
@@ -40,6 +29,19 @@ TEST_F(PublisherCommandTest, WrongCommandLinesEndWith2) {
     EXPECT_EQ(runPublisher({"publish"}).exitCode, 2);
     EXPECT_EQ(runPublisher({"build", "--release", "1"}).exitCode, 2);
     EXPECT_EQ(runPublisher({"check", "--channel", "x", "--fast"}).exitCode, 2);
+    EXPECT_EQ(runPublisher({"gc", "--channel", "x", "--keep", "0"}).exitCode, 2);
+}
+
+TEST_F(PublisherCommandTest, UnknownCommandIsNamed) {
+    const ToolEnd end = runPublisher({"publish"});
+    EXPECT_EQ(end.exitCode, 2);
+    EXPECT_THAT(end.output, HasSubstr("\"publish\" is no command; there are build, check, plan and gc."));
+}
+
+TEST_F(PublisherCommandTest, VersionNamesTheAddress) {
+    const ToolEnd end = runPublisher({"--version"});
+    EXPECT_EQ(end.exitCode, 0);
+    EXPECT_THAT(end.output, testing::MatchesRegex("kvn-release [0-9.]+ for https://.*/downloads/\n"));
 }
 
 TEST_F(PublisherCommandTest, NumbersThatAreNoneAreRefused) {
@@ -47,12 +49,17 @@ TEST_F(PublisherCommandTest, NumbersThatAreNoneAreRefused) {
         std::vector<std::string> arguments = buildArguments(42, game_, channel_);
         arguments[2] = number;
         const ToolEnd end = runPublisher(arguments);
-        EXPECT_EQ(end.exitCode, 1) << number;
+        EXPECT_EQ(end.exitCode, 2) << number;
         EXPECT_EQ(end.output, "kvn-release: --release must be a number from 1 to 4294967295.\n") << number;
     }
     std::vector<std::string> arguments = buildArguments(42, game_, channel_);
     arguments[6] = "65536";
     EXPECT_EQ(runPublisher(arguments).output, "kvn-release: --protocol must be a number from 1 to 65535.\n");
+    arguments[6] = "1";
+    arguments[4] = "";
+    const ToolEnd end = runPublisher(arguments);
+    EXPECT_EQ(end.exitCode, 2);
+    EXPECT_EQ(end.output, "kvn-release: --version must have 1 to 48 printable ASCII characters.\n");
 }
 
 TEST_F(PublisherCommandTest, SummaryTellsWhatPlayersWillFetch) {

@@ -26,6 +26,10 @@ std::filesystem::path probeProgram() {
     return built("kvn_probe.exe");
 }
 
+std::filesystem::path foreignLibrary() {
+    return built("kvn_foreign_library.dll");
+}
+
 std::filesystem::path winePrefix() {
     const char* chosen = std::getenv("KVN_WINEPREFIX");
     return chosen ? chosen : KVN_WINE_PREFIX;

@@ -11,6 +11,9 @@ namespace vorthmere::end_to_end {
 [[nodiscard]] std::filesystem::path gameProgram();
 [[nodiscard]] std::filesystem::path probeProgram();
 
+/// A DLL that leaves a file beside itself, its own name followed by ".loaded", when a program loads it.
+[[nodiscard]] std::filesystem::path foreignLibrary();
+
 /// The Wine prefix in which they run.
 [[nodiscard]] std::filesystem::path winePrefix();
 

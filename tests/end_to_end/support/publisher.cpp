@@ -25,12 +25,27 @@ ToolEnd runPublisher(const std::vector<std::string>& arguments, unsigned killAtC
     return {end.exitCode, readFile(options.outputFile)};
 }
 
+std::filesystem::path publisherProgram() {
+    return KVN_RELEASE;
+}
+
 std::vector<std::string> buildArguments(std::uint32_t release, const std::filesystem::path& game,
                                         const std::filesystem::path& channel) {
     const ManifestText details;
-    return {"build",          "--release", std::to_string(release), "--version", details.version, "--protocol",
-            details.protocol, "--notes",   details.notes,           "--from",    game.string(),   "--channel",
-            channel.string()};
+    return {"build",
+            "--release",
+            std::to_string(release),
+            "--version",
+            details.version,
+            "--protocol",
+            details.protocol,
+            "--notes",
+            details.notes,
+            "--from",
+            game.string(),
+            "--channel",
+            channel.string(),
+            "--allow-any-programs"};
 }
 
 ReleaseFiles publishedFiles(std::uint32_t release, const std::filesystem::path& game) {

@@ -21,7 +21,10 @@ struct ToolEnd {
 ///                   killed; 0 for never
 ToolEnd runPublisher(const std::vector<std::string>& arguments, unsigned killAtCall = 0);
 
-/// The command line of a build with the sample release's details.
+/// The tool itself, for a test that starts it in a way of its own.
+[[nodiscard]] std::filesystem::path publisherProgram();
+
+/// The command line of a build with the sample release's details, which takes any files as programs.
 [[nodiscard]] std::vector<std::string> buildArguments(std::uint32_t release, const std::filesystem::path& game,
                                                       const std::filesystem::path& channel);
 

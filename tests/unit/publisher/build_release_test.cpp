@@ -1,15 +1,13 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include <cerrno>
 #include <cstdlib>
 
-#include "publisher/channel.h"
+#include "publisher/channel_listing.h"
 #include "publisher/durable_files.h"
 #include "publisher/package_reader.h"
 #include "publisher/sha256.h"
 #include "tests/unit/publisher/publishing.h"
-#include "tests/unit/publisher/system_faults.h"
 #include "update/managed_file_list.h"
 #include "update/release_channel.h"
 
@@ -149,12 +147,6 @@ TEST_F(BuildReleaseTest, SummaryNamesAPreviousInventoryThatCannotBeRead) {
     EXPECT_THAT(publish(42).previousFault, HasSubstr("is not a file inventory."));
     writeFile(former, "");
     EXPECT_THAT(publish(43).previousFault, "");
-}
-
-TEST_F(BuildReleaseTest, ReleaseIsPublishedThoughNobodyCanTellWhatWasThereBefore) {
-    publish(42);
-    const FailingListing listing(channel, EIO);
-    EXPECT_EQ(publish(42).previousFault, "The channel cannot be listed: Input/output error.");
 }
 
 TEST_F(BuildReleaseTest, EveryAccountMayReadTheChannelWhateverTheUmask) {

@@ -34,7 +34,7 @@ protected:
         std::ostringstream output;
         Console console(output, false);
         const Tree before = readTree(channel);
-        std::vector<std::string> found = checkChannel(channel, console);
+        std::vector<std::string> found = checkChannel(channel, false, console).faults;
         EXPECT_EQ(readTree(channel), before);
         return found;
     }
@@ -43,7 +43,7 @@ protected:
     [[nodiscard]] fs::path channelOfAnyFiles() const {
         GameFolder found;
         std::string error;
-        EXPECT_TRUE(listGameFolder(game, found, error)) << error;
+        EXPECT_TRUE(listGameFolder(game, {}, found, error)) << error;
         std::vector<ReleaseFile>& files = found.files;
         const update::Manifest details = request(43).details;
         std::vector<std::string> paths{std::string(update::kManagedFileListName),
@@ -53,9 +53,7 @@ protected:
         for (const auto& [name, text] : {std::pair{update::kManagedFileListName, managedFileListText(paths)},
                                          std::pair{update::kReleaseMarkerName, releaseMarkerText(details)}})
             files.push_back({{std::string(name), {}, text.size()}, {}, text});
-        EXPECT_TRUE(hashReleaseFiles(
-            files, [](std::uint64_t) {}, error))
-            << error;
+        EXPECT_TRUE(hashFiles(files, error)) << error;
 
         std::vector<const ReleaseFile*> objects;
         for (const ReleaseFile& file : files)
@@ -65,7 +63,7 @@ protected:
         std::ostringstream output;
         Console console(output, false);
         StagedRelease staged;
-        EXPECT_TRUE(stageRelease(files, objects, details, other, console, staged, error)) << error;
+        EXPECT_TRUE(stageRelease(files, objects, details, nullptr, other, console, staged, error)) << error;
         return other;
     }
 
@@ -165,10 +163,10 @@ TEST_F(CheckChannelTest, MissingWrongSizedAndCorruptObjectsAreAllNamed) {
 TEST_F(CheckChannelTest, FoldersThatAreOneOnWindows) {
     std::ostringstream output;
     Console console(output, false);
-    EXPECT_THAT(checkChannel(channelOfAnyFiles(), console), IsEmpty());
+    EXPECT_THAT(checkChannel(channelOfAnyFiles(), false, console).faults, IsEmpty());
     fs::remove_all(folder / "other channel");
     putFile("Data/other.pak", "other");
-    EXPECT_THAT(checkChannel(channelOfAnyFiles(), console),
+    EXPECT_THAT(checkChannel(channelOfAnyFiles(), false, console).faults,
                 ElementsAre("\"KVN-release-43.zip.files\": The folders \"data\" and \"Data\" are one and the same on "
                             "Windows."));
 }
@@ -176,7 +174,8 @@ TEST_F(CheckChannelTest, FoldersThatAreOneOnWindows) {
 TEST_F(CheckChannelTest, FolderThatIsNoChannel) {
     std::ostringstream output;
     Console console(output, false);
-    EXPECT_THAT(checkChannel(folder / "nowhere", console), ElementsAre("\"KVN-alpha.manifest\" is missing."));
+    EXPECT_THAT(checkChannel(folder / "nowhere", false, console).faults,
+                ElementsAre("\"KVN-alpha.manifest\" is missing."));
 }
 
 }  // namespace

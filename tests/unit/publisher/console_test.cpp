@@ -31,6 +31,20 @@ TEST(Console, OnATerminalABarFillsUp) {
               "\r[##############################] 100% Packing\n");
 }
 
+TEST(Console, BarStaysOnOneLine) {
+    constexpr unsigned kWidth = 60;
+    std::ostringstream output;
+    Console console(output, true, kWidth);
+    console.beginStep("Packing 1,000 files and writing 1,000 new objects", 1);
+    console.advance(1);
+    for (std::size_t begin = output.str().find('\r'); begin != std::string::npos;) {
+        const std::size_t end = output.str().find('\r', begin + 1);
+        EXPECT_LT(output.str().substr(begin + 1, end - begin - 1).size(), kWidth);
+        begin = end;
+    }
+    EXPECT_THAT(output.str(), ::testing::HasSubstr("100% Packing 1"));
+}
+
 TEST(Console, StepWithoutBytesDoesNotDivideByThem) {
     std::ostringstream output;
     Console console(output, true);

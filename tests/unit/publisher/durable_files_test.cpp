@@ -43,18 +43,38 @@ TEST_F(DurableFilesTest, NewFoldersInheritTheGroupAndOldOnesKeepTheirPermissions
     constexpr fs::perms own = fs::perms::owner_all | fs::perms::set_gid;
     fs::permissions(folder.path(), own);
     std::string error;
-    ASSERT_TRUE(createFolders(folder / "served/downloads/", error)) << error;
+    std::vector<fs::path> made;
+    ASSERT_TRUE(createFolders(folder / "served/downloads/", made, error)) << error;
+    EXPECT_THAT(made, ::testing::ElementsAre(folder / "served", folder / "served/downloads"));
     constexpr auto everybodys = static_cast<fs::perms>(0755) | fs::perms::set_gid;
     EXPECT_EQ(fs::status(folder / "served").permissions(), everybodys);
     EXPECT_EQ(fs::status(folder / "served/downloads").permissions(), everybodys);
     EXPECT_EQ(fs::status(folder.path()).permissions(), own);
 }
 
+TEST_F(DurableFilesTest, NewFolderIsOnTheDiskInTheOneAboveIt) {
+    const SyncedFolders synced;
+    std::vector<fs::path> made;
+    std::string error;
+    ASSERT_TRUE(createFolders(folder / "served/downloads", made, error)) << error;
+    EXPECT_TRUE(SyncedFolders::holds(folder.path()));
+    EXPECT_TRUE(SyncedFolders::holds(folder / "served"));
+}
+
+TEST_F(DurableFilesTest, LinkThatLeadsNowhereIsNoFolder) {
+    fs::create_directory_symlink(folder / "nowhere", folder / "link");
+    std::vector<fs::path> made;
+    std::string error;
+    EXPECT_FALSE(createFolders(folder / "link", made, error));
+    EXPECT_THAT(made, ::testing::IsEmpty());
+}
+
 TEST_F(DurableFilesTest, FolderBelowAFileCannotBeCreated) {
     update::testing::writeFile(folder / "file", "x");
     std::string error;
-    EXPECT_FALSE(createFolders(folder / "file/downloads", error));
-    EXPECT_THAT(error, HasSubstr("file/downloads\" cannot be created: Not a directory."));
+    std::vector<fs::path> made;
+    EXPECT_FALSE(createFolders(folder / "file/downloads", made, error));
+    EXPECT_THAT(error, HasSubstr("file\" cannot be created: File exists."));
 }
 
 }  // namespace

@@ -19,7 +19,7 @@ TEST_F(GameFolderTest, EmptyFoldersAreReportedOutermostFirst) {
     std::filesystem::create_directories(game / "data/void");
     GameFolder found;
     std::string error;
-    ASSERT_TRUE(listGameFolder(game, found, error)) << error;
+    ASSERT_TRUE(listGameFolder(game, {}, found, error)) << error;
     EXPECT_THAT(found.emptyFolders, ElementsAre("data/void", "saves", "saves/slot one"));
     EXPECT_THAT(found.files, ::testing::SizeIs(6));
 }
@@ -27,7 +27,7 @@ TEST_F(GameFolderTest, EmptyFoldersAreReportedOutermostFirst) {
 TEST_F(GameFolderTest, FolderIsListedThroughATrailingSlash) {
     GameFolder found;
     std::string error;
-    ASSERT_TRUE(listGameFolder(game / "", found, error)) << error;
+    ASSERT_TRUE(listGameFolder(game / "", {}, found, error)) << error;
     EXPECT_EQ(found.files.front().entry.path, "KVNUpdater.exe");
 }
 

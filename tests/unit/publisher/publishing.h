@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "publisher/build_release.h"
@@ -21,6 +22,12 @@ using Tree = std::map<std::string, std::string>;
 
 /// Content that deflate cannot shrink; the same for the same seed.
 [[nodiscard]] std::string packedContent(std::size_t size, unsigned seed = 1);
+
+/// What passes for a 64-bit Windows program by its head, with a text in it.
+[[nodiscard]] std::string windowsProgram(std::string_view text);
+
+/// Digests files without showing it.
+[[nodiscard]] bool hashFiles(std::vector<ReleaseFile>& files, std::string& error);
 
 /// A game folder with a small game in it, and a channel folder that does not exist yet.
 class PublishingTest : public ::testing::Test {

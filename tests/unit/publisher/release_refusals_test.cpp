@@ -1,12 +1,16 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <functional>
 
 #include "publisher/durable_files.h"
+#include "publisher/package_reader.h"
 #include "publisher/package_writer.h"
 #include "publisher/release_texts.h"
+#include "tests/unit/publisher/no_privileges.h"
 #include "tests/unit/publisher/publishing.h"
+#include "tests/unit/publisher/system_faults.h"
 #include "update/limits.h"
 #include "update/managed_file_list.h"
 #include "update/release_channel.h"
@@ -128,6 +132,62 @@ TEST_F(ReleaseRefusalsTest, MostFilesThatAreAllowedArePublished) {
     EXPECT_EQ(publish(42).files, update::kMaxManagedFiles);
 }
 
+TEST_F(ReleaseRefusalsTest, FileThatMayNotBeReadHasTheReason) {
+    fs::permissions(folder.path(), static_cast<fs::perms>(0755));
+    fs::permissions(game / "data/level one.pak", fs::perms::none);
+    std::string refusal;
+    {
+        const NoPrivileges account;
+        refusal = refusalOf(42);
+    }
+    EXPECT_THAT(refusal, HasSubstr("data/level one.pak\" cannot be read: Permission denied."));
+}
+
+TEST_F(ReleaseRefusalsTest, FilesThatDoNotBelongInAGame) {
+    for (const std::string path : {".git/config", "data/.svn/entries", "data/.DS_Store", "Thumbs.db", "bin/Game.PDB",
+                                   "signing/kelvane.pfx", "id_ed25519", "__MACOSX/x"}) {
+        putFile(path, "x");
+        EXPECT_THAT(refusalOf(42), HasSubstr("does not belong in a game: leave it out with --exclude")) << path;
+        ReleaseRequest wanted = request(42);
+        wanted.patterns.include = {"/" + path.substr(0, path.find('/')), path.substr(path.rfind('/') + 1), ".svn"};
+        wanted.isDryRun = true;
+        EXPECT_EQ(refusalOf(wanted), "") << path;
+        fs::remove_all(game / path.substr(0, path.find('/')));
+        putFile("data/level one.pak", "level one");
+    }
+}
+
+TEST_F(ReleaseRefusalsTest, ProgramsThatNoPlayerCouldRun) {
+    ReleaseRequest wanted = request(42);
+    wanted.allowAnyPrograms = false;
+    EXPECT_THAT(refusalOf(wanted), StartsWith("\"Vorthmere.exe\" is not a 64-bit Windows program"));
+    putFile("Vorthmere.exe", windowsProgram("the game"));
+    EXPECT_THAT(refusalOf(wanted), StartsWith("\"KVNUpdater.exe\" is not a 64-bit Windows program"));
+    putFile("KVNUpdater.exe", windowsProgram("https://games.example/downloads/"));
+    EXPECT_THAT(refusalOf(wanted), StartsWith("\"KVNUpdater.exe\" does not hold the channel's address"));
+    putFile("KVNUpdater.exe", windowsProgram(update::kDownloadBaseUrl));
+    EXPECT_EQ(refusalOf(wanted), "");
+}
+
+TEST_F(ReleaseRefusalsTest, ProgramsOfOtherKinds) {
+    ReleaseRequest wanted = request(42);
+    wanted.allowAnyPrograms = false;
+    constexpr std::size_t kMachineAt = 64 + 4;
+    constexpr std::size_t kCharacteristicsAt = 64 + 22;
+    constexpr std::size_t kFormatAt = 64 + 24;
+    const std::string sound = windowsProgram("the game");
+    for (const auto& [place, bytes] :
+         {std::pair{kMachineAt, std::string("\x4c\x01")}, std::pair{kFormatAt, std::string("\x0b\x01")},
+          std::pair{kCharacteristicsAt, std::string("\x22\x20")}}) {
+        std::string other = sound;
+        other.replace(place, 2, bytes);
+        putFile("Vorthmere.exe", other);
+        EXPECT_THAT(refusalOf(wanted), StartsWith("\"Vorthmere.exe\" is not a 64-bit Windows program")) << place;
+    }
+    putFile("Vorthmere.exe", sound.substr(0, 70));
+    EXPECT_THAT(refusalOf(wanted), StartsWith("\"Vorthmere.exe\" is not a 64-bit Windows program"));
+}
+
 TEST_F(ReleaseRefusalsTest, GameFolderThatIsNotThere) {
     ReleaseRequest wanted = request(42);
     wanted.gameFolder = folder / "nowhere";
@@ -185,22 +245,29 @@ TEST_F(ReleaseRefusalsTest, SameReleaseWhosePackageIsPackedDifferently) {
         files.push_back({entry, channel / objectName(entry.sha256), {}, false});
     update::Manifest offered = manifest();
     PackageFacts facts;
+    PathSet taken;
     std::string error;
     ASSERT_TRUE(writePackage(
-        files, channel / "KVN-release-42.zip", update::kMaxPackageBytes, facts, [](std::uint64_t) {}, error))
+        files, {channel / "KVN-release-42.zip", update::kMaxPackageBytes}, false, taken, [](std::uint64_t) {}, error))
+        << error;
+    ASSERT_TRUE(verifyPackage(
+        channel / "KVN-release-42.zip", inventoryOf(files), {}, facts, [](std::uint64_t) {}, error))
         << error;
     offered.size = facts.size;
     offered.sha256 = facts.sha256;
     writeFile(channel / "KVN-release-42.zip.files", inventoryText(offered, inventoryOf(files)));
     writeFile(channel / "KVN-alpha.manifest", manifestText(offered));
+    // What is packed already is taken as it is.
+    EXPECT_EQ(refusalOf(42), "");
+    fs::remove(channel / "KVN-release-42.zip");
     remember();
     expectRefusal(request(42), AllOf(StartsWith("Release 42 is published already with the same content and details, "
                                                 "but its package comes out differently"),
-                                     HasSubstr("other versions of libarchive or zlib")));
+                                     HasSubstr("another version of zlib")));
     fs::remove(channel / "KVN-release-42.zip.files");
     remember();
     expectRefusal(request(42), AllOf(StartsWith("Release 42 is published already with another package"),
-                                     HasSubstr("other versions of libarchive or zlib")));
+                                     HasSubstr("another version of zlib")));
 }
 
 TEST_F(ReleaseRefusalsTest, SameReleaseWithOtherDetails) {
@@ -221,6 +288,12 @@ TEST_F(ReleaseRefusalsTest, ChannelWhoseManifestCannotBeRead) {
     expectRefusal(request(42), AllOf(HasSubstr("\"KVN-alpha.manifest\" would be refused by the updater: Manifest is "
                                                "missing a required field."),
                                      HasSubstr("Restore or remove it first")));
+}
+
+TEST_F(ReleaseRefusalsTest, ChannelThatCannotBeListedDoesNotTellItsNumbers) {
+    publish(42);
+    const FailingListing listing(channel, EIO);
+    EXPECT_EQ(refusalOf(43), "The channel cannot be listed: Input/output error.");
 }
 
 TEST_F(ReleaseRefusalsTest, FoldersWhereFilesHaveToStand) {

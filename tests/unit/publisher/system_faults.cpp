@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <set>
 #include <system_error>
 
 namespace vorthmere::publish::testing {
@@ -18,6 +19,8 @@ int lockError = 0;
 int listingError = 0;
 int readsLeft = 0;
 struct stat failingFolder {};
+bool notesSyncs = false;
+std::set<std::pair<dev_t, ino_t>> synced;
 
 template <typename Function>
 Function* original(const char* name) {
@@ -51,6 +54,20 @@ FailingListing::~FailingListing() {
     listingError = 0;
 }
 
+SyncedFolders::SyncedFolders() {
+    synced.clear();
+    notesSyncs = true;
+}
+
+SyncedFolders::~SyncedFolders() {
+    notesSyncs = false;
+}
+
+bool SyncedFolders::holds(const std::filesystem::path& folder) {
+    struct stat status {};
+    return stat(folder.c_str(), &status) == 0 && synced.contains({status.st_dev, status.st_ino});
+}
+
 }  // namespace vorthmere::publish::testing
 
 // What the program itself defines is found before the system's library, by the other libraries too.
@@ -61,6 +78,14 @@ int flock(int file, int operation) noexcept {
     if (lockError == 0) return original<int(int, int)>("flock")(file, operation);
     errno = lockError;
     return -1;
+}
+
+int fsync(int file) {
+    using namespace vorthmere::publish::testing;
+    struct stat status {};
+    if (notesSyncs && fstat(file, &status) == 0 && S_ISDIR(status.st_mode))
+        synced.emplace(status.st_dev, status.st_ino);
+    return original<int(int)>("fsync")(file);
 }
 
 dirent* readdir(DIR* folder) {

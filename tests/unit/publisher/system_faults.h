@@ -27,4 +27,15 @@ public:
     FailingListing& operator=(const FailingListing&) = delete;
 };
 
+/// While it lives, it notes which folders the program waits for to be on the disk.
+class SyncedFolders {
+public:
+    SyncedFolders();
+    ~SyncedFolders();
+    SyncedFolders(const SyncedFolders&) = delete;
+    SyncedFolders& operator=(const SyncedFolders&) = delete;
+
+    [[nodiscard]] static bool holds(const std::filesystem::path& folder);
+};
+
 }  // namespace vorthmere::publish::testing

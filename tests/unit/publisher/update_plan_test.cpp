@@ -1,11 +1,11 @@
 #include "publisher/update_plan.h"
 
 #include <gmock/gmock.h>
-#include <unistd.h>
 
 #include <sstream>
 
 #include "publisher/release_difference.h"
+#include "tests/unit/publisher/no_privileges.h"
 #include "tests/unit/publisher/publishing.h"
 
 namespace vorthmere::publish::testing {
@@ -50,23 +50,6 @@ TEST(ReleaseDifference, ChangedBytesThatEqualThePackageTakeThePackage) {
     manifest.size = 99;
     EXPECT_FALSE(updatesIncrementally(difference, manifest));
 }
-
-/// While it lives, the process has no more rights than any other account.
-class NoPrivileges {
-public:
-    NoPrivileges() {
-        if (account_ == 0 && seteuid(kNobody) != 0) throw std::runtime_error("the account cannot be changed");
-    }
-    ~NoPrivileges() {
-        EXPECT_EQ(seteuid(account_), 0);
-    }
-    NoPrivileges(const NoPrivileges&) = delete;
-    NoPrivileges& operator=(const NoPrivileges&) = delete;
-
-private:
-    static constexpr uid_t kNobody = 65534;
-    const uid_t account_ = geteuid();
-};
 
 class UpdatePlanTest : public PublishingTest {
 protected:

@@ -1,0 +1,175 @@
+#include "publisher/check_served_channel.h"
+
+#include <map>
+#include <mutex>
+#include <optional>
+#include <random>
+#include <set>
+#include <system_error>
+
+#include "publisher/channel.h"
+#include "publisher/durable_files.h"
+#include "publisher/https_fetch.h"
+#include "publisher/in_quotes.h"
+#include "publisher/parallel_work.h"
+#include "publisher/release_texts.h"
+#include "update/limits.h"
+#include "update/release_channel.h"
+#include "update/sha256_text.h"
+
+namespace vorthmere::publish {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr unsigned kFound = 200;
+constexpr unsigned kNotFound = 404;
+
+/// A folder of its own for as long as it lives.
+class FetchedFiles {
+public:
+    bool create(std::string& error) {
+        std::error_code failure;
+        const fs::path temporary = fs::temp_directory_path(failure);
+        if (!failure) folder_ = temporary / ("kvn-release-check-" + std::to_string(std::random_device()()));
+        std::vector<fs::path> made;
+        if (!failure) return createFolders(folder_, made, error);
+        error = "There is no folder for temporary files: " + failure.message() + ".";
+        return false;
+    }
+    FetchedFiles() = default;
+    FetchedFiles(const FetchedFiles&) = delete;
+    FetchedFiles& operator=(const FetchedFiles&) = delete;
+    ~FetchedFiles() {
+        std::string stays;
+        if (!folder_.empty()) static_cast<void>(removeTree(folder_, stays));
+    }
+
+    [[nodiscard]] const fs::path& folder() const {
+        return folder_;
+    }
+
+private:
+    fs::path folder_;
+};
+
+class ServedChannelCheck {
+public:
+    ServedChannelCheck(const std::string& address, const fs::path& caFile, Console& console)
+        : address_(address), caFile_(caFile), console_(console) {}
+
+    ChannelReport run() {
+        std::string error;
+        if (!files_.create(error)) return {0, {error}, {}};
+        fetchRelease();
+        checkUnknownName();
+        ChannelReport report = checkChannel(files_.folder(), false, console_);
+        // That a file is missing here is said by why it could not be fetched.
+        std::erase_if(report.faults, [this](const std::string& fault) {
+            for (const std::string& name : notFetched_)
+                if (fault.ends_with(inQuotes(name) + " is missing.")) return true;
+            return false;
+        });
+        report.faults.insert(report.faults.begin(), faults_.begin(), faults_.end());
+        return report;
+    }
+
+private:
+    void fetchRelease() {
+        std::optional<update::Manifest> manifest;
+        std::string fault;
+        HttpsAnswer answer;
+        console_.beginStep("Fetching the manifest", 0);
+        fetch(std::string(update::kManifestName), update::kMaxManifestBytes, answer);
+        console_.endStep();
+        if (answer.status == kFound && answer.cacheControl.find("no-store") == std::string::npos)
+            faults_.insert(inQuotes(update::kManifestName) +
+                           " may be cached on its way: it has no header \"Cache-Control: no-store\".");
+        if (!readPublishedManifest(files_.folder(), manifest, fault) || !manifest) return;
+
+        const std::string package = packageNameOf(*manifest);
+        const std::string inventory = package + std::string(update::kInventorySuffix);
+        console_.beginStep("Fetching the complete package and its inventory", manifest->size);
+        fetch(inventory, update::kMaxInventoryBytes, answer);
+        fetch(package, manifest->size, answer);
+        console_.endStep();
+        std::vector<update::InventoryEntry> entries;
+        if (readInventory(files_.folder() / inventory, *manifest, entries, fault)) fetchObjects(entries);
+    }
+
+    void fetchObjects(const std::vector<update::InventoryEntry>& entries) {
+        std::map<std::string, std::uint64_t> sizes;
+        std::uint64_t bytes = 0;
+        for (const update::InventoryEntry& entry : entries)
+            if (sizes.emplace(objectName(entry.sha256), entry.size).second) bytes += entry.size;
+        const std::vector<std::pair<std::string, std::uint64_t>> objects(sizes.begin(), sizes.end());
+        console_.beginStep("Fetching " + countOf(objects.size(), "object"), bytes);
+        std::string ignored;
+        static_cast<void>(forEachInParallel(
+            objects.size(),
+            [&](std::size_t index, std::string&) {
+                HttpsAnswer answer;
+                fetch(objects[index].first, objects[index].second, answer);
+                return true;
+            },
+            ignored));
+        console_.endStep();
+    }
+
+    void fetch(const std::string& name, std::uint64_t maxBytes, HttpsAnswer& answer) {
+        OutputFile file;
+        std::string fault;
+        const fs::path target = files_.folder() / name;
+        const ContentSink keep = [&](std::span<const char> bytes) {
+            console_.advance(bytes.size());
+            return file.write(bytes, fault);
+        };
+        if (!file.create(target, fault)) {
+            refuse(name, fault);
+            return;
+        }
+        std::string broken;
+        if (!fetchHttps(address_ + name, caFile_, maxBytes, keep, answer, broken))
+            refuse(name, inQuotes(name) + " cannot be fetched: " + (fault.empty() ? broken : fault));
+        else if (answer.status != kFound)
+            refuse(name, inQuotes(name) + " is answered with HTTP " + std::to_string(answer.status) + ".");
+        else if (!answer.contentEncoding.empty() && answer.contentEncoding != "identity")
+            refuse(name, inQuotes(name) + " is packed by the server (\"Content-Encoding: " + answer.contentEncoding +
+                             "\"), which the updater does not unpack.");
+    }
+
+    void refuse(const std::string& name, const std::string& fault) {
+        const std::lock_guard lock(guard_);
+        faults_.insert(fault);
+        notFetched_.insert(name);
+        std::string stays;
+        static_cast<void>(removeFile(files_.folder() / name, stays));
+    }
+
+    void checkUnknownName() {
+        HttpsAnswer answer;
+        std::string fault;
+        const std::string name = objectName(std::string(update::kSha256TextLength, '0'));
+        const ContentSink ignore = [](std::span<const char>) { return true; };
+        if (fetchHttps(address_ + name, caFile_, update::kMaxManifestBytes, ignore, answer, fault) &&
+            answer.status != kNotFound)
+            faults_.insert("A file that is not there is answered with HTTP " + std::to_string(answer.status) +
+                           " instead of 404.");
+    }
+
+    const std::string& address_;
+    const fs::path& caFile_;
+    Console& console_;
+    FetchedFiles files_;
+    std::mutex guard_;
+    std::set<std::string> faults_;
+    std::set<std::string> notFetched_;
+};
+
+}  // namespace
+
+ChannelReport checkServedChannel(const std::string& address, const fs::path& caFile, Console& console) {
+    return ServedChannelCheck(address, caFile, console).run();
+}
+
+}  // namespace vorthmere::publish

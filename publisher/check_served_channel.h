@@ -1,0 +1,23 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "publisher/check_channel.h"
+#include "publisher/console.h"
+
+namespace vorthmere::publish {
+
+/// Fetches the release that a server offers as updaters would, each file with the updater's own limit, and checks it
+/// like a channel folder. Reported as well: redirects and every other answer but 200, a manifest that may be cached,
+/// content that the server packs, and a server that hands out something for a file that it does not have.
+///
+/// @param address of the channel, ending in "/"
+/// @param caFile  certificates to trust instead of the system's; empty for the system's
+///
+/// What is fetched lies in the system's folder for temporary files until the end, so that there must be room for the
+/// package and all objects.
+[[nodiscard]] ChannelReport checkServedChannel(const std::string& address, const std::filesystem::path& caFile,
+                                               Console& console);
+
+}  // namespace vorthmere::publish

@@ -1,0 +1,48 @@
+#include "publisher/folder_changes.h"
+
+#include <map>
+
+#include "publisher/in_quotes.h"
+#include "update/ascii.h"
+
+namespace vorthmere::publish {
+namespace {
+
+/// Files by their names in lower case.
+using Files = std::map<std::string, const std::string*>;
+
+Files filesOf(const ListedRelease& release) {
+    Files files;
+    for (const update::InventoryEntry& entry : release.entries)
+        files.emplace(update::toAsciiLower(entry.path), &entry.path);
+    return files;
+}
+
+/// A clause about the first path of `holder` that has a file of `files` as a folder.
+std::string firstFileThatIsAFolder(const Files& files, const ListedRelease& fileRelease, const ListedRelease& holder) {
+    for (const update::InventoryEntry& entry : holder.entries) {
+        const std::string key = update::toAsciiLower(entry.path);
+        for (std::size_t slash = key.find('/'); slash != std::string::npos; slash = key.find('/', slash + 1)) {
+            const auto file = files.find(key.substr(0, slash));
+            if (file == files.end()) continue;
+            return inQuotes(*file->second) + " is a file in release " + std::to_string(fileRelease.release) +
+                   " and the folder of " + inQuotes(entry.path) + " in release " + std::to_string(holder.release);
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+std::vector<std::string> folderChanges(const std::vector<ListedRelease>& older, const ListedRelease& newer) {
+    const Files newFiles = filesOf(newer);
+    std::vector<std::string> clauses;
+    for (const ListedRelease& release : older) {
+        std::string clause = firstFileThatIsAFolder(newFiles, newer, release);
+        if (clause.empty()) clause = firstFileThatIsAFolder(filesOf(release), release, newer);
+        if (!clause.empty()) clauses.push_back(clause);
+    }
+    return clauses;
+}
+
+}  // namespace vorthmere::publish

@@ -1,0 +1,8 @@
+#pragma once
+
+namespace vorthmere::publish {
+
+/// The number of the signal or console event that asked for the end; 0 when there was none.
+[[nodiscard]] int receivedSignal();
+
+}  // namespace vorthmere::publish

@@ -1,0 +1,45 @@
+#include "publisher/interruption.h"
+
+#include <array>
+#include <atomic>
+#include <csignal>
+
+#include "publisher/interruption_signal.h"
+
+namespace vorthmere::publish {
+namespace {
+
+std::atomic<int> received{0};
+static_assert(std::atomic<int>::is_always_lock_free, "A signal handler may write to it.");
+
+extern "C" void rememberSignal(int number) {
+    received = number;
+}
+
+}  // namespace
+
+void watchForInterruptions() {
+    for (const int number : std::array{SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction former {};
+        // What is ignored, as by nohup, stays ignored.
+        if (sigaction(number, nullptr, &former) == 0 && former.sa_handler == SIG_IGN) continue;
+        struct sigaction action {};
+        action.sa_handler = rememberSignal;
+        action.sa_flags = SA_RESTART;
+        sigaction(number, &action, nullptr);
+    }
+    // A closed pipe is then an error of the write.
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+int receivedSignal() {
+    return received;
+}
+
+void endAsInterrupted() {
+    if (received == 0) return;
+    std::signal(received, SIG_DFL);
+    std::raise(received);
+}
+
+}  // namespace vorthmere::publish

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "publisher/console.h"
+#include "publisher/previous_package.h"
+#include "publisher/release_content.h"
+
+namespace vorthmere::publish {
+
+/// Computes the digest and CRC-32 of every file and whether deflating it is worth the time, on all processors.
+///
+/// @param previous a package that was opened, or none; becomes none when it does not have its digest
+[[nodiscard]] bool hashReleaseFiles(std::vector<ReleaseFile>& files, std::optional<PreviousPackage>& previous,
+                                    Console& console, std::string& error);
+
+}  // namespace vorthmere::publish

@@ -1,0 +1,11 @@
+#pragma once
+
+namespace vorthmere::publish {
+
+/// True when standard output is a terminal.
+[[nodiscard]] bool outputIsTerminal();
+
+/// Columns of the terminal that standard output goes to; 80 when it does not tell.
+[[nodiscard]] unsigned outputWidth();
+
+}  // namespace vorthmere::publish

@@ -1,0 +1,51 @@
+#include "publisher/sha256.h"
+
+#include <windows.h>
+
+#include <bcrypt.h>
+
+#include <array>
+#include <stdexcept>
+
+namespace vorthmere::publish {
+namespace {
+
+void require(bool succeeded) {
+    if (!succeeded) throw std::runtime_error("The SHA-256 digest cannot be computed.");
+}
+
+/// Opened once; it may be used by all threads.
+BCRYPT_ALG_HANDLE algorithm() {
+    static const BCRYPT_ALG_HANDLE opened = [] {
+        BCRYPT_ALG_HANDLE handle = nullptr;
+        require(BCryptOpenAlgorithmProvider(&handle, BCRYPT_SHA256_ALGORITHM, nullptr, 0) == 0);
+        return handle;
+    }();
+    return opened;
+}
+
+}  // namespace
+
+void Sha256::Release::operator()(void* context) const {
+    BCryptDestroyHash(context);
+}
+
+Sha256::Sha256() {
+    BCRYPT_HASH_HANDLE hash = nullptr;
+    require(BCryptCreateHash(algorithm(), &hash, nullptr, 0, nullptr, 0, 0) == 0);
+    context_.reset(hash);
+}
+
+void Sha256::add(std::span<const char> bytes) {
+    // The call takes bytes that may be written to and does not write to them.
+    auto* const data = const_cast<UCHAR*>(reinterpret_cast<const UCHAR*>(bytes.data()));
+    require(BCryptHashData(context_.get(), data, static_cast<ULONG>(bytes.size()), 0) == 0);
+}
+
+std::string Sha256::finish() {
+    std::array<unsigned char, kDigestBytes> digest{};
+    require(BCryptFinishHash(context_.get(), digest.data(), static_cast<ULONG>(digest.size()), 0) == 0);
+    return hexadecimal(digest);
+}
+
+}  // namespace vorthmere::publish

@@ -1,0 +1,37 @@
+"""Whether includes run one way."""
+import fnmatch
+import re
+
+from lib.checkout import ROOT, sources
+from lib.layout import KEPT_OUT, MAY_INCLUDE
+
+INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]')
+
+
+def _includes(*patterns):
+    """Of each include of these sources: where it stands, whether it is one of the project's, and what it names."""
+    for name in sources(*patterns):
+        if not name.endswith((".cpp", ".h")):
+            continue
+        for number, line in enumerate((ROOT / name).read_text().splitlines(), 1):
+            if include := INCLUDE.match(line):
+                yield f"{name}:{number}: {line}", include[1] == '"', include[2]
+
+
+def _wrong_ways():
+    for folder, others in MAY_INCLUDE.items():
+        allowed = [f"{folder}/*", *others]
+        for place, own, header in _includes(folder):
+            if own and "/" in header and not any(fnmatch.fnmatchcase(header, pattern) for pattern in allowed):
+                yield f"an include that runs the wrong way: {place}"
+
+
+def _kept_out():
+    for complaint, headers, patterns in KEPT_OUT:
+        for place, own, header in _includes(*patterns):
+            if not own and header.lower() in headers:
+                yield f"{complaint}: {place}"
+
+
+def check():
+    return [*_wrong_ways(), *_kept_out()]
