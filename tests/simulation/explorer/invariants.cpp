@@ -284,6 +284,12 @@ std::vector<std::string> changedByOthers(const Outcome& outcome) {
         changed.push_back(treeKeyOf(intrusion->path));
         if (intrusion->kind == Intrusion::Kind::rename) changed.push_back(treeKeyOf(intrusion->second));
     }
+    // What is written to a link is written to where it leads.
+    const Tree& before = outcome.scenario.setting->before;
+    for (std::size_t i = changed.size(); i > 0; --i) {
+        const Node* node = find(before, changed[i - 1]);
+        if (node != nullptr && !node->linkTarget.empty()) changed.push_back(treeKeyOf(node->linkTarget));
+    }
     // What was changed in the work folder moves on to the installation.
     for (std::size_t i = changed.size(); i > 0; --i) {
         std::string relative;

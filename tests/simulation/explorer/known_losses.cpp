@@ -122,7 +122,7 @@ bool isUntoldLink(const Outcome& outcome, const Breach&) {
     const Tree& before = outcome.scenario.setting->before;
     return std::any_of(outcome.calls.begin(), outcome.calls.end(), [&before](const Call& call) {
         const auto then = before.find(treeKeyOf(call.subject));
-        return call.isHarmed && call.operation == Operation::entryAttributes && then != before.end() &&
+        return call.result != 0 && call.operation == Operation::entryAttributes && then != before.end() &&
                (then->second.attributes & attribute::reparsePoint) != 0;
     });
 }
