@@ -233,8 +233,9 @@ TEST(SimulatedSharing, LetsOnlyTheOwnerIntoALockedRange) {
     EXPECT_EQ(spellingOf(files, "copy"), "(none)");
     ASSERT_EQ(files.close(file), error::none);
     EXPECT_EQ(files.moveFile("plain", "moved"), error::none);
-    EXPECT_EQ(files.deleteFile("moved"), error::none);
-    files.putFile("C:/Desk/plain", contentOf("plain"));
+    EXPECT_EQ(files.copyFile("other", "moved", true), error::lockViolation);
+    EXPECT_EQ(files.close(owner), error::none);
+    EXPECT_EQ(files.copyFile("other", "moved", true), error::none);
 }
 
 TEST(SimulatedSharing, HoldsACurrentFolder) {
