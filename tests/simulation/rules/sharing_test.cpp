@@ -234,8 +234,10 @@ TEST(SimulatedSharing, LetsOnlyTheOwnerIntoALockedRange) {
     ASSERT_EQ(files.close(file), error::none);
     EXPECT_EQ(files.moveFile("plain", "moved"), error::none);
     EXPECT_EQ(files.copyFile("other", "moved", true), error::lockViolation);
-    EXPECT_EQ(files.close(owner), error::none);
-    EXPECT_EQ(files.copyFile("other", "moved", true), error::none);
+    const HandleId another = held(machine, "other", access::read, access::all);
+    ASSERT_EQ(files.lock(another, 0, 10), error::none);
+    EXPECT_EQ(files.close(another), error::none);
+    EXPECT_EQ(files.copyFile("other", "copy", true), error::none);
 }
 
 TEST(SimulatedSharing, HoldsACurrentFolder) {
