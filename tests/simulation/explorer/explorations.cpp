@@ -58,6 +58,7 @@ std::optional<Scenario> faultOnTheWayBack(Tape& tape, Stock& stock) {
     const Scenario calm{stock.setting(way), {}};
     const Outcome& good = stock.outcomeOf(calm);
     const std::size_t first = good.firstCallOf(step);
+    if (first >= good.calls.size()) return std::nullopt;
     const Call& call = good.calls[first + tape.upTo(good.calls.size() - first - 1)];
     const std::span<const Fault> faults = faultsOf(call.operation);
     if (faults.empty() || call.operation == Operation::startProgram) return std::nullopt;
@@ -78,6 +79,7 @@ std::optional<Scenario> lookedAtOnTheWayBack(Tape& tape, Stock& stock) {
     const Scenario calm{stock.setting(way, Profile::classicDelete), {}};
     const Outcome& good = stock.outcomeOf(calm);
     const std::size_t first = good.firstCallOf(step);
+    if (first >= good.calls.size()) return std::nullopt;
     const Call& move = good.calls[first + tape.upTo(good.calls.size() - first - 1)];
     if (move.operation != Operation::moveFile || move.number + 2 >= good.calls.size()) return std::nullopt;
     const std::size_t later = move.number + 2 + tape.upTo(good.calls.size() - move.number - 3);
@@ -102,6 +104,7 @@ std::optional<Scenario> killedOnTheWayBack(Tape& tape, Stock& stock) {
     const Scenario calm{stock.setting(Way::incremental), {}};
     const Outcome& good = stock.outcomeOf(calm);
     const std::size_t first = good.firstCallOf(kInstallingText);
+    if (first >= good.calls.size()) return std::nullopt;
     const Call& call = good.calls[first + tape.upTo(good.calls.size() - first - 1)];
     if (call.operation != Operation::moveFile) return std::nullopt;
     const Scenario harmed = calm.with(atCall(call.number), Fault{error::accessDenied});

@@ -198,15 +198,44 @@ bool isNowhere(const Tree& tree, std::string_view content) {
     });
 }
 
-/// The number of the first status query while files are moved aside.
-Scenario withUnknownStatus() {
-    const Scenario calm{settingOf(smallestReleases(), Way::incremental), {}};
-    const Outcome good = play(calm);
+/// The first call after a number of moves that is like the one that is wanted; the last call when there is none.
+Trigger firstCall(const Outcome& good, std::size_t moves, bool (*isWanted)(const Call&)) {
     std::size_t number = good.firstCallOf(kInstallingText);
-    std::size_t moves = 0;
-    while (moves == 0 || good.calls[number].operation != Operation::entryFacts)
-        moves += good.calls[number++].operation == Operation::moveFile ? 1U : 0U;
-    return calm.with({std::nullopt, "", number}, Fault{error::accessDenied});
+    for (std::size_t moved = 0; number + 1 < good.calls.size(); ++number) {
+        if (moved >= moves && isWanted(good.calls[number])) break;
+        if (good.calls[number].operation == Operation::moveFile) ++moved;
+    }
+    return {std::nullopt, "", number};
+}
+
+Scenario smallUpdate() {
+    return {settingOf(smallestReleases(), Way::incremental), {}};
+}
+
+Scenario withUnknownStatus() {
+    const Scenario calm = smallUpdate();
+    return calm.with(firstCall(play(calm), 1, [](const Call& call) { return call.operation == Operation::entryFacts; }),
+                     Fault{error::accessDenied});
+}
+
+Scenario withOverlookedFile() {
+    const Scenario calm = smallUpdate();
+    const auto isQuery = [](const Call& call) {
+        return call.operation == Operation::entryFacts && treeKeyOf(call.subject) == installed("data/a.pak");
+    };
+    return calm.with(firstCall(play(calm), 0, isQuery), Fault{error::fileNotFound});
+}
+
+Scenario withLateLink() {
+    Intrusion junction;
+    junction.kind = Intrusion::Kind::plantJunction;
+    junction.path = inInstallation("data");
+    junction.second = std::string(place::kElsewhere) + "/data";
+    const Scenario calm = smallUpdate();
+    const auto isMove = [](const Call& call) {
+        return call.operation == Operation::moveFile && call.subject == staged("data/a.pak");
+    };
+    return calm.with(firstCall(play(calm), 0, isMove), junction);
 }
 
 }  // namespace
@@ -215,16 +244,7 @@ const std::vector<KnownLoss>& knownLosses() {
     static const std::vector<KnownLoss> losses = {
         {"overlooked while moving aside", "docs/failures.md",
          "A path that the system wrongly does not find is not moved aside: the new file replaces it, or it stays.",
-         isOverlooked,
-         [] {
-             const Scenario calm{settingOf(smallestReleases(), Way::incremental), {}};
-             const Outcome good = play(calm);
-             std::size_t number = good.firstCallOf(kInstallingText);
-             while (good.calls[number].operation != Operation::entryFacts ||
-                    treeKeyOf(good.calls[number].subject) != installed("data/a.pak"))
-                 ++number;
-             return happensIn(calm.with({std::nullopt, "", number}, Fault{error::fileNotFound}), isOverlooked);
-         }},
+         isOverlooked, [] { return happensIn(withOverlookedFile(), isOverlooked); }},
         {"appears before moving in", "docs/failures.md",
          "A file that another program puts in a new file's place after the old ones were moved aside is replaced.",
          never,
@@ -277,18 +297,7 @@ const std::vector<KnownLoss>& knownLosses() {
          }},
         {"link after the test", "docs/failures.md",
          "A link that another program plants after its place was tested is followed.", isLinkAfterTheTest,
-         [] {
-             Intrusion junction;
-             junction.kind = Intrusion::Kind::plantJunction;
-             junction.path = inInstallation("data");
-             junction.second = std::string(place::kElsewhere) + "/data";
-             const Scenario calm{settingOf(smallestReleases(), Way::incremental), {}};
-             const Outcome good = play(calm);
-             const auto move = std::find_if(good.calls.begin(), good.calls.end(), [](const Call& call) {
-                 return call.operation == Operation::moveFile && call.subject == staged("data/a.pak");
-             });
-             return happensIn(calm.with({std::nullopt, "", move->number}, junction), isLinkAfterTheTest);
-         }},
+         [] { return happensIn(withLateLink(), isLinkAfterTheTest); }},
         {"status that is not known", "docs/failures.md",
          "A status that cannot be told ends the program; what was moved aside until then stays in the backup.", never,
          [] {

@@ -260,7 +260,8 @@ private:
     void drawPlayers() {
         for (std::size_t i = tape_.upTo(3); i > 0; --i) {
             std::string path = pathFor(installed_);
-            if (tape_.coin() && !offered_.empty()) path = tape_.anyOf(offered_).path;
+            if (tape_.coin() && !offered_.empty())
+                path = tape_.anyOf(offered_).path + (tape_.upTo(3) == 3 ? "/inside" : "");
             if (isRequired(path) || treeKeyOf(path) == treeKeyOf(kReleaseMarkerName)) continue;
             if (isFree(installed_, path) && isFree(players_, path))
                 players_.push_back({path, "a player's " + path, tape_.coin()});
