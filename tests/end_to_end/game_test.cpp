@@ -90,6 +90,26 @@ TEST_F(GameTest, WhenItCannotBeStartedAndAnOldFileWasMissingTheNewReleaseStays) 
     expectInstalled(broken_);
 }
 
+TEST_F(GameTest, StartsItsOwnUpdaterAndIsStartedAgainAsTheNewRelease) {
+    useUpdater(scenario.installation / "Vorthmere.exe");
+    const UpdaterCommand local = command(Source::incremental);
+    ChildProcess game = startUpdater(std::vector<std::string>{
+        "--update", "--test-no-ui", "--manifest-file", local.manifestFile, "--package-file", local.packageFile,
+        "--inventory-file", local.inventoryFile, "--object-directory", local.objectDirectory});
+    EXPECT_EQ(game.wait(Milliseconds(60'000)).exitCode, 0);
+    EXPECT_EQ(gameReport(), expectedReport());
+    expectRelease42();
+    EXPECT_THAT(transferReport(), testing::StartsWith("mode=incremental"));
+}
+
+TEST_F(GameTest, DoesNotStartItsUpdaterWhenItDoesNotKnowItsRelease) {
+    fs::remove(scenario.installation / "kvn_release.txt");
+    useUpdater(scenario.installation / "Vorthmere.exe");
+    ChildProcess game = startUpdater(std::vector<std::string>{"--update"});
+    EXPECT_EQ(game.wait(Milliseconds(60'000)).exitCode, 2);
+    EXPECT_FALSE(fs::exists(scenario.gameReport));
+}
+
 TEST_F(GameTest, ThatHasEndedIsNotWaitedFor) {
     OpenGame game;
     game.close();
