@@ -55,7 +55,8 @@ FileType entryType(const std::filesystem::path& path, std::error_code& failure) 
 
 std::uint64_t fileSize(const std::filesystem::path& path, std::error_code& failure) {
     const EntryFacts facts = factsFollowingLinks(path, failure);
-    if (!failure && facts.attributes.isFolder()) failure = std::make_error_code(std::errc::is_a_directory);
+    if (!failure && classify(facts.attributes) != FileType::regular)
+        failure = std::make_error_code(std::errc::not_supported);
     return failure ? 0 : facts.size;
 }
 

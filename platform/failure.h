@@ -5,9 +5,9 @@
 
 namespace vorthmere::update {
 
-/// Every call of the platform that can fail tells why by Windows' error number, as a std::error_code: one that only
-/// acts returns it, one that yields something takes it as its last parameter and clears it on success. These are the
-/// numbers that the program tells apart.
+/// Most calls of the platform tell why they failed by Windows' error number, as a std::error_code: one that only acts
+/// returns it, one that yields something takes it as its last parameter and clears it on success. The others say in
+/// their headers how they fail. These are the numbers that the program tells apart.
 enum class WindowsError : std::uint32_t {
     fileNotFound = 2,
     pathNotFound = 3,
@@ -32,8 +32,8 @@ enum class WindowsError : std::uint32_t {
            failure == WindowsError::invalidName || failure == WindowsError::notADirectory;
 }
 
-/// The calling thread's last error; to be called before anything else can replace it. Never "no error": a call that
-/// failed without a reason still failed.
-[[nodiscard]] std::error_code lastFailure();
+/// The calling thread's last error as the system has it, also 0 (GetLastError); to be called before anything else can
+/// replace it. Closing a handle does not.
+[[nodiscard]] std::uint32_t lastErrorNumber();
 
 }  // namespace vorthmere::update

@@ -20,8 +20,8 @@ std::wstring objectNameOf(const InternetAddress& address) {
 }  // namespace
 
 std::wstring withWindowsError(std::wstring_view text) {
-    const std::error_code failure = lastFailure();
-    return std::wstring(text) + L" (Windows error " + std::to_wstring(failure.value()) + L")";
+    const std::uint32_t number = lastErrorNumber();
+    return std::wstring(text) + L" (Windows error " + std::to_wstring(number) + L")";
 }
 
 bool openHttpsRequest(std::wstring_view address, InternetHandle& session, InternetHandle& connection,

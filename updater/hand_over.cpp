@@ -59,8 +59,7 @@ ExitCode handOver(const Arguments& arguments, const WorkFolder& work, std::wstri
     reportStep(progress, timetable::waitingForGame);
     if (!waitForGame(arguments.parentProcessId, error)) return ExitCode::gameStillRunning;
 
-    std::vector<std::filesystem::path> created;
-    const std::error_code failure = createFolders(work.backup, created);
+    const std::error_code failure = createFolders(work.backup);
     reportStep(progress, timetable::installing);
     if (failure) return ExitCode::installationFailed;
     // The one file without which no later update could mend what a power loss left. A disk that cannot be flushed is no

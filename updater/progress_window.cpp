@@ -96,7 +96,7 @@ void createContents(WindowState& state, HINSTANCE instance) {
     setFont(state.banner, state.titleFont);
     for (const HWND control : {state.status, state.detail, state.closeButton})
         setFont(control, state.bodyFont);
-    SendMessageW(state.progressBar, PBM_SETRANGE32, 0, timetable::done.percent);
+    SendMessageW(state.progressBar, PBM_SETRANGE32, 0, kWholePercent);
     SendMessageW(state.progressBar, PBM_SETBARCOLOR, 0, kBarColour);
     SendMessageW(state.progressBar, PBM_SETBKCOLOR, 0, kBarBackgroundColour);
 }

@@ -22,7 +22,7 @@ FileHandle openFile(const std::filesystem::path& file, DWORD access, DWORD dispo
 }  // namespace
 
 void closeFileHandle(void* handle) noexcept {
-    closeQuietly(handle);
+    closeQuietly(handle, CloseHandle);
 }
 
 FileHandle openToRead(const std::filesystem::path& file, std::error_code& failure) {

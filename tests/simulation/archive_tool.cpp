@@ -34,6 +34,21 @@ std::optional<std::string> printable(std::string_view name) {
     return line;
 }
 
+/// An argument as it comes through the code page of the system: other letters become "?".
+std::string throughCodePage(std::string_view argument) {
+    std::string text;
+    for (std::size_t i = 0; i < argument.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(argument[i]);
+        if (byte < 0x80 || byte == 0xC2 || byte == 0xC3)
+            text += argument[i];
+        else if ((byte & 0xC0) != 0x80)
+            text += '?';
+        else if (text.ends_with('\xC2') || text.ends_with('\xC3'))
+            text += argument[i];
+    }
+    return text;
+}
+
 /// The name under which an entry is unpacked: no drive, no leading separator, and "_" for what no name may hold.
 std::string unpackedName(std::string_view name) {
     std::string clean = withSlashes(name);
@@ -59,7 +74,10 @@ bool climbs(std::string_view name) {
 }  // namespace
 
 ArchiveToolRun::ArchiveToolRun(std::string_view commandLine, const ArchiveToolBehaviour& behaviour)
-    : behaviour_(behaviour), arguments_(splitCommandLine(commandLine)) {}
+    : behaviour_(behaviour) {
+    for (const std::string& argument : splitCommandLine(commandLine))
+        arguments_.push_back(throughCodePage(argument));
+}
 
 bool ArchiveToolRun::step(FileSystem& files, std::string& output) {
     switch (stage_) {

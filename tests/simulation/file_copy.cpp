@@ -32,12 +32,12 @@ Error FileSystem::copyFile(std::string_view from, std::string_view to, bool over
     if (const Error opening = openingError(source.entry, access::read, access::all); opening != error::none)
         return opening;
     const Place place = locate(to, Links::follow);
-    if (place.isDevice) return place.error == error::accessDenied ? place.error : error::none;
+    if (place.isDevice) return error::none;
     EntryId target = kNoEntry;
     if (const Error opening = openCopyTarget(place, overwrite, source.entry, target); opening != error::none)
         return opening;
     const Error filling = fillCopy(source.entry, target, extent);
-    if (filling != error::none) remove(target);
+    if (filling != error::none) abandonCopy(target);
     return filling;
 }
 
@@ -53,7 +53,15 @@ Error FileSystem::openCopyTarget(const Place& place, bool overwrite, EntryId sou
     return error::none;
 }
 
-// Windows removes a target that it could not fill, also one that was there before.
+// Windows removes a target that it could not fill, also one that was there before. Where a holder forbids that, it
+// stays without its bytes.
+void FileSystem::abandonCopy(EntryId target) {
+    if (openingError(target, access::remove, access::all) == error::none)
+        remove(target);
+    else
+        (void)disk.replaceContent(target, contentOf(""));
+}
+
 Error FileSystem::fillCopy(EntryId source, EntryId target, Extent extent) {
     const Entry& from = disk.at(source);
     Entry& into = disk.at(target);

@@ -14,7 +14,7 @@ std::uint64_t sizeOf(const Entry& entry) {
 
 Error FileSystem::entryAttributes(std::string_view path, std::uint32_t& attributes) const {
     const Place place = locate(path, Links::keep);
-    if (place.isDevice && place.error != error::accessDenied) {
+    if (place.isDevice) {
         attributes = attribute::archive;
         return error::none;
     }
@@ -26,7 +26,7 @@ Error FileSystem::entryAttributes(std::string_view path, std::uint32_t& attribut
 
 Error FileSystem::entryFacts(std::string_view path, Facts& facts) const {
     const Place place = locate(path, Links::keep);
-    if (place.isDevice && place.error != error::accessDenied) return error::invalidParameter;
+    if (place.isDevice) return error::invalidParameter;
     if (place.error != error::none) return place.error;
     const Entry& entry = disk.at(place.entry);
     if (entry.isDeletePending) return error::accessDenied;
@@ -36,7 +36,7 @@ Error FileSystem::entryFacts(std::string_view path, Facts& facts) const {
 
 Error FileSystem::targetFacts(std::string_view path, Facts& facts) const {
     const Place place = locate(path, Links::follow);
-    if (place.isDevice && place.error != error::accessDenied) return error::invalidFunction;
+    if (place.isDevice) return error::invalidFunction;
     if (place.error != error::none) return place.error;
     const Entry& entry = disk.at(place.entry);
     if (entry.reparseTag == tag::programAlias) return error::linkCannotBeAccessed;

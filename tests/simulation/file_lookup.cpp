@@ -12,8 +12,9 @@ constexpr std::string_view kStartFolder = "C:/";
 
 }  // namespace
 
-std::string FileSystem::currentFolder() const {
-    return currentFolderOf(caller);
+std::string_view FileSystem::currentFolder() const {
+    const auto at = currentFolders_.find(caller);
+    return at == currentFolders_.end() ? kStartFolder : std::string_view(at->second);
 }
 
 std::string FileSystem::currentFolderOf(ProcessId process) const {
@@ -52,8 +53,8 @@ Error FileSystem::walk(const std::string& fullPath, std::size_t volumeLength, Li
             place.folder = kNoEntry;
             return error::pathNotFound;
         }
-        place.name = name;
         place.entry = disk.child(place.folder, name);
+        if (rest.empty()) place.name = name;
         if (place.entry == kNoEntry) {
             if (rest.empty()) return error::fileNotFound;
             place.folder = kNoEntry;
@@ -68,10 +69,14 @@ Error FileSystem::walk(const std::string& fullPath, std::size_t volumeLength, Li
     return error::none;
 }
 
+// A device hides a file of its name; a share refuses the name, whatever is asked of it.
 void FileSystem::finishPlace(Place& place) const {
     place.isDevice = place.isDevice && place.folder != kNoEntry;
-    if (place.isDevice && disk.volumes()[disk.at(place.folder).volume].refusesDeviceNames)
+    if (place.isDevice) place.entry = kNoEntry;
+    if (place.isDevice && disk.volumes()[disk.at(place.folder).volume].refusesDeviceNames) {
+        place.isDevice = false;
         place.error = error::accessDenied;
+    }
     const bool isFile = place.entry != kNoEntry && !disk.at(place.entry).isFolder();
     if (isFile && place.endsInSeparator) place.error = error::invalidName;
 }

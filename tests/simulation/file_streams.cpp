@@ -27,7 +27,7 @@ Error FileSystem::handleError(const OpenFile& file) const {
 
 Error FileSystem::openForItsName(std::string_view path, HandleId& file) {
     const Place place = locate(path, Links::follow);
-    if (place.isDevice && place.error != error::accessDenied) {
+    if (place.isDevice) {
         file = hold(kNoEntry, access::none, access::all, path);
         files_.back().isDevice = true;
         return error::none;
@@ -42,7 +42,7 @@ Error FileSystem::openForItsName(std::string_view path, HandleId& file) {
 
 Error FileSystem::open(std::string_view path, unsigned access, unsigned sharing, bool create, HandleId& file) {
     const Place place = locate(path, Links::follow);
-    if (place.isDevice && place.error != error::accessDenied) {
+    if (place.isDevice) {
         file = hold(kNoEntry, access, sharing, path);
         files_.back().isDevice = true;
         return error::none;

@@ -182,12 +182,13 @@ private:
     [[nodiscard]] bool isHeld(EntryId entry) const;
     [[nodiscard]] bool isAnyHeldBelow(EntryId folder) const;
     [[nodiscard]] bool isLocked(EntryId entry, HandleId by, std::uint64_t begin, std::uint64_t end) const;
-    [[nodiscard]] std::string currentFolder() const;
+    [[nodiscard]] std::string_view currentFolder() const;
 
     Error moveToOtherVolume(std::string_view from, std::string_view to, EntryId source);
     Error moveOnto(EntryId source, const Place& target);
     Error openCopyTarget(const Place& place, bool overwrite, EntryId source, EntryId& target);
     Error fillCopy(EntryId source, EntryId target, Extent extent);
+    void abandonCopy(EntryId target);
     Error makeFile(const Place& place, EntryId& created);
     [[nodiscard]] Error handleError(const OpenFile& file) const;
     void remove(EntryId entry);

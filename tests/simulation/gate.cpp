@@ -9,7 +9,7 @@
 namespace vorthmere::update::simulation {
 namespace {
 
-constexpr std::array<std::string_view, kOperations> kNames = {"lastFailure",
+constexpr std::array<std::string_view, kOperations> kNames = {"lastErrorNumber",
                                                               "entryAttributes",
                                                               "entryFacts",
                                                               "targetFacts",

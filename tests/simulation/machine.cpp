@@ -9,6 +9,20 @@ namespace {
 constexpr std::string_view kOtherProgram = "C:/Windows/System32/svchost.exe";
 constexpr std::string_view kArchiveTool = "C:/Windows/System32/tar.exe";
 
+Volume volumeOf(Profile profile) {
+    Volume volume;
+    volume.deletesAtOnce = profile == Profile::posixDelete;
+    if (profile == Profile::networkShare) {
+        volume.refusesDeviceNames = true;
+        volume.absentOpening = error::badNetworkPath;
+        volume.absentHandle = error::networkNameDeleted;
+    } else if (profile == Profile::memoryStick) {
+        volume.absentOpening = error::notReady;
+        volume.absentHandle = error::deviceRemoved;
+    }
+    return volume;
+}
+
 void append(std::vector<std::string>& all, std::vector<std::string> more) {
     all.insert(all.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
 }
@@ -16,10 +30,7 @@ void append(std::vector<std::string>& all, std::vector<std::string> more) {
 }  // namespace
 
 Machine::Machine(Profile profile) {
-    Volume volume;
-    volume.deletesAtOnce = profile == Profile::posixDelete;
-    volume.refusesDeviceNames = profile == Profile::networkShare;
-    files.disk.addVolume(volume);
+    files.disk.addVolume(volumeOf(profile));
     files.putFile(kOtherProgram, contentOf("MZ service"));
     files.putFile(kArchiveTool, contentOf("MZ archive tool"));
     otherProgram = processes.put(files, kOtherProgram, "");

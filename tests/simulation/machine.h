@@ -18,8 +18,8 @@ namespace vorthmere::update::simulation {
 enum class Profile {
     classicDelete,  ///< NTFS, Windows 10 1803 and 1809: a deleted file that is held keeps its name
     posixDelete,    ///< NTFS, Windows 10 1903 and newer, 11: its name goes at once
-    memoryStick,    ///< FAT or exFAT: classic deletion
-    networkShare,   ///< SMB: classic deletion, device names refused
+    memoryStick,    ///< FAT or exFAT: classic deletion; pulled out, it is not ready
+    networkShare,   ///< SMB: classic deletion, device names refused; gone, its path is bad
     devDrive,       ///< ReFS: classic deletion
 };
 
@@ -34,7 +34,10 @@ enum class Profile {
 /// - no alternate streams (a colon in a name gives 123), hard links, short names, case-sensitive folders, compression
 /// - letters beyond Latin, Greek and Cyrillic are compared exactly
 /// - time stands still but for waiting; what a file's times would be is unknown
-/// - a write has either reached the disk or is lost file by file; renames are never lost
+/// - a write has either reached the disk or is lost, file by file; renames are never lost, as losing the last of them
+/// is
+///   losing the power earlier
+/// - a program that is ended is gone at once; a pipe takes any number of bytes
 /// - a lock never waits, a handle is never inherited but the pipe's write end, a process has no threads
 /// - a deleted name is listed until its last holder goes, sizes that are listed are never old
 /// - a folder as the source of a replacing rename may replace a file, as the kernel would allow

@@ -13,9 +13,15 @@ constexpr char upperAscii(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-constexpr bool isAscii(char c) {
-    return static_cast<unsigned char>(c) < 0x80;
-}
+/// For each byte, whether no name may hold it.
+constexpr std::array<bool, 256> kForbidden = [] {
+    std::array<bool, 256> forbidden{};
+    for (std::size_t c = 0; c < 0x20; ++c)
+        forbidden[c] = true;
+    for (const char c : std::string_view("<>:\"|?*"))
+        forbidden[static_cast<unsigned char>(c)] = true;
+    return forbidden;
+}();
 
 /// The letters of two bytes in UTF-8 that have a capital one: of Latin-1, Greek and Cyrillic.
 std::uint32_t upperLetter(std::uint32_t letter) {
@@ -41,6 +47,18 @@ void appendUpper(std::string& key, char first, char second) {
 
 bool isSeparator(char c) {
     return c == '/' || c == '\\';
+}
+
+/// True for "C:/Games/a.pak", which is its own full path: the usual case, told apart in one look.
+bool isFoldedAlready(std::string_view path) {
+    if (path.size() < 4 || path[1] != ':' || path[2] != '/') return false;
+    char before = ':';
+    for (const char c : path.substr(2)) {
+        const bool endsComponent = c == '/' && (before == '/' || before == '.');
+        if (c == '\\' || endsComponent || (c == '.' && before == '/')) return false;
+        before = c;
+    }
+    return before != '/' && before != '.' && before != ' ';
 }
 
 /// "C:" or "//server/share" at the start of a path with "/" alone.
@@ -105,15 +123,14 @@ std::string keyOf(std::string_view name) {
     return key;
 }
 
-int compareKey(std::string_view key, std::string_view name) {
-    if (!std::all_of(name.begin(), name.end(), isAscii)) return key.compare(keyOf(name));
-    const std::size_t common = std::min(key.size(), name.size());
-    for (std::size_t i = 0; i < common; ++i) {
-        const auto left = static_cast<unsigned char>(key[i]);
-        const auto right = static_cast<unsigned char>(upperAscii(name[i]));
-        if (left != right) return left < right ? -1 : 1;
+FoldedName::FoldedName(std::string_view name) {
+    bool isUsual = name.size() <= usual_.size();
+    for (std::size_t i = 0; isUsual && i < name.size(); ++i) {
+        isUsual = static_cast<unsigned char>(name[i]) < 0x80;
+        usual_[i] = upperAscii(name[i]);
     }
-    return key.size() == name.size() ? 0 : key.size() < name.size() ? -1 : 1;
+    if (!isUsual) unusual_ = keyOf(name);
+    key_ = isUsual ? std::string_view(usual_.data(), name.size()) : std::string_view(unusual_);
 }
 
 bool isSameName(std::string_view left, std::string_view right) {
@@ -136,12 +153,10 @@ std::string withSlashes(std::string_view path) {
 }
 
 Error nameError(std::string_view name) {
-    const auto isBad = [](char c) {
-        return static_cast<unsigned char>(c) < 0x20 || std::string_view("<>:\"|?*").find(c) != std::string_view::npos;
-    };
-    const bool isFine = std::none_of(name.begin(), name.end(), isBad) &&
-                        (name.size() <= kLongestName || utf16Length(name) <= kLongestName);
-    return isFine ? error::none : error::invalidName;
+    for (const char c : name)
+        if (kForbidden[static_cast<unsigned char>(c)]) return error::invalidName;
+    const bool isTooLong = name.size() > kLongestName && utf16Length(name) > kLongestName;
+    return isTooLong ? error::invalidName : error::none;
 }
 
 bool isDeviceName(std::string_view name, bool withExtension) {
@@ -161,6 +176,11 @@ bool isDeviceName(std::string_view name, bool withExtension) {
 
 FullPath fullPathOf(std::string_view path, std::string_view currentFolder) {
     FullPath full;
+    if (isFoldedAlready(path)) {
+        full.text = path;
+        full.volumeLength = 2;
+        return full;
+    }
     std::string text = withSlashes(path);
     full.isExtended = text.starts_with("//?/");
     if (full.isExtended) {

@@ -14,16 +14,16 @@ namespace vorthmere::update {
 
 using namespace simulation;
 
-std::error_code lastFailure() {
+std::uint32_t lastErrorNumber() {
     std::uint32_t number = 0;
     (void)pass(
-        Operation::lastFailure, "", "",
+        Operation::lastErrorNumber, "", "",
         [&number](Machine& machine, Extent) {
-            number = machine.lastError == error::none ? error::generalFailure : machine.lastError;
+            number = machine.lastError;
             return error::none;
         },
         &number);
-    return failureOf(number);
+    return number;
 }
 
 EntryAttributes entryAttributes(const std::filesystem::path& path, std::error_code& failure) {

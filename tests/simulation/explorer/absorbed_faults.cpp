@@ -89,6 +89,16 @@ bool isVanished(const Outcome&, const Call& call) {
     return isRemoval && isNotFound(call.result) && isAtOrBelow(treeKeyOf(call.subject), treeKeyOf(place::kWorkFolder));
 }
 
+/// A removal that was refused and went well when it was tried again without the read-only attribute.
+bool isTriedAgain(const Outcome& outcome, const Call& call) {
+    const bool isRemoval = call.operation == Operation::deleteFile || call.operation == Operation::removeEmptyFolder;
+    return isRemoval && std::any_of(outcome.calls.begin() + static_cast<std::ptrdiff_t>(call.number) + 1,
+                                    outcome.calls.end(), [&call](const Call& later) {
+                                        return later.operation == call.operation && later.subject == call.subject &&
+                                               later.result == 0;
+                                    });
+}
+
 /// Its exit code and the unpacked tree tell what it did.
 bool isEndOfArchiveTool(const Outcome&, const Call& call) {
     return (call.operation == Operation::waitForEnd && treeKeyOf(call.subject).ends_with("/tar.exe")) ||
@@ -119,6 +129,7 @@ const std::vector<AbsorbedFault>& absorbedFaults() {
         {"check of installed files", "what cannot be read counts as changed and is fetched", isCheckOfInstalledFiles},
         {"end of a file", "short content fails its digest or its parser; the rest of a part comes next", isEndOrPart},
         {"end of the archive tool", "its exit code and the unpacked tree tell what it did", isEndOfArchiveTool},
+        {"tried again", "a read-only entry is removed at the second try", isTriedAgain},
         {"vanished", "what is not there need not be removed; invariant 3 looks at what stays", isVanished},
         {"flush", "it only helps after a power loss", isFlush},
         {"final name", "a part of a path that is not there is taken as it is written", isFinalName},

@@ -65,6 +65,10 @@ void makePeace(Machine& machine) {
     let(Intrusion::Kind::letChildrenRun);
     let(Intrusion::Kind::release);
     let(Intrusion::Kind::leaveFolder);
+    // A mapped file may have another name by now.
+    Disk& disk = machine.files.disk;
+    for (EntryId id = 0; id < disk.count(); ++id)
+        disk.at(id).mappings = 0;
     machine.files.volumeOf(everything).freeBytes = kRoomyDisk;
     for (const ProcessId process : machine.processes.running())
         if (process != machine.otherProgram && process != machine.caller)

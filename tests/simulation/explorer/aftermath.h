@@ -45,7 +45,7 @@ private:
     std::size_t runs_ = 0;
 };
 
-/// Ends whatever another program holds, and gives the disk room.
+/// Ends whatever another program still holds, and gives the disk room.
 void makePeace(Machine& machine);
 
 }  // namespace vorthmere::update::simulation

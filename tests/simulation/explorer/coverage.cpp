@@ -1,17 +1,9 @@
 #include "tests/simulation/explorer/coverage.h"
 
 #include <algorithm>
-#include <array>
 
 namespace vorthmere::update::simulation {
 namespace {
-
-/// What an update only does once something else has failed, or never does.
-constexpr std::array kNeverFaulted = {Operation::lastFailure};
-
-bool isExercised(Operation operation) {
-    return std::find(kNeverFaulted.begin(), kNeverFaulted.end(), operation) == kNeverFaulted.end();
-}
 
 std::string withoutAlways(Fault fault) {
     fault.always = false;
@@ -29,8 +21,8 @@ void Coverage::count(const Outcome& outcome) {
         if (fault == nullptr || outcome.timesMet[i] == 0) continue;
         const auto met =
             std::find_if(outcome.calls.begin(), outcome.calls.end(), [](const Call& call) { return call.isHarmed; });
-        const Operation operation =
-            planned.trigger.operation.value_or(met == outcome.calls.end() ? Operation::lastFailure : met->operation);
+        const Operation operation = planned.trigger.operation.value_or(
+            met == outcome.calls.end() ? Operation::lastErrorNumber : met->operation);
         ++faults_[{operation, withoutAlways(*fault)}];
     }
 }
@@ -39,17 +31,16 @@ std::vector<std::string> Coverage::missing() const {
     std::vector<std::string> missing;
     for (std::size_t i = 0; i < kOperations; ++i) {
         const auto operation = static_cast<Operation>(i);
-        if (!isExercised(operation)) continue;
         if (!operations_.contains(operation)) missing.push_back(std::string(nameOf(operation)) + " was never called");
         for (const Fault& fault : faultsOf(operation))
-            if (!faults_.contains({operation, withoutAlways(fault)}))
+            if (lacks(operation, fault))
                 missing.push_back(std::string(nameOf(operation)) + " never met " + withoutAlways(fault));
     }
     return missing;
 }
 
-std::size_t Coverage::faultsMet() const {
-    return faults_.size();
+bool Coverage::lacks(Operation operation, const Fault& fault) const {
+    return !faults_.contains({operation, withoutAlways(fault)});
 }
 
 std::string Coverage::summary() const {

@@ -22,9 +22,10 @@ public:
     /// Operations that no run made, and faults of faultsOf() that no run met.
     [[nodiscard]] std::vector<std::string> missing() const;
 
-    [[nodiscard]] std::string summary() const;
+    /// True when no run met this fault yet.
+    [[nodiscard]] bool lacks(Operation operation, const Fault& fault) const;
 
-    [[nodiscard]] std::size_t faultsMet() const;
+    [[nodiscard]] std::string summary() const;
 
 private:
     std::map<Operation, std::size_t> operations_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <span>
 #include <utility>
 
@@ -25,8 +26,8 @@ std::optional<Fault> anyFault(Tape& tape, const Call& call) {
     return fault;
 }
 
-Scenario calmWay(Tape& tape, Stock& stock) {
-    return {stock.setting(static_cast<Way>(tape.upTo(kWays - 1))), {}};
+Scenario calmWay(Tape& tape, Stock& stock, std::size_t ways = kMainWays) {
+    return {stock.setting(static_cast<Way>(tape.upTo(ways - 1))), {}};
 }
 
 /// Any call of a scenario.
@@ -34,8 +35,12 @@ const Call& anyCall(Tape& tape, Stock& stock, const Scenario& scenario) {
     return tape.anyOf(stock.outcomeOf(scenario).calls);
 }
 
+std::optional<Scenario> undisturbed(Tape& tape, Stock& stock) {
+    return calmWay(tape, stock, kWays);
+}
+
 std::optional<Scenario> oneFault(Tape& tape, Stock& stock) {
-    const Scenario calm = calmWay(tape, stock);
+    const Scenario calm = calmWay(tape, stock, kWays);
     const Call& call = anyCall(tape, stock, calm);
     const std::optional<Fault> fault = anyFault(tape, call);
     if (!fault) return std::nullopt;
@@ -64,6 +69,24 @@ std::optional<Scenario> faultOnTheWayBack(Tape& tape, Stock& stock) {
     const std::optional<Fault> fault = anyFault(tape, second);
     if (!fault) return std::nullopt;
     return harmed.with(atCall(second.number), *fault);
+}
+
+/// A new file is looked at as soon as it is there, and then the update is taken back: on a system on which a name stays
+/// as long as somebody holds the file.
+std::optional<Scenario> lookedAtOnTheWayBack(Tape& tape, Stock& stock) {
+    const auto& [way, step] = tape.anyOf(kWaysWithWayBack);
+    const Scenario calm{stock.setting(way, Profile::classicDelete), {}};
+    const Outcome& good = stock.outcomeOf(calm);
+    const std::size_t first = good.firstCallOf(step);
+    const Call& move = good.calls[first + tape.upTo(good.calls.size() - first - 1)];
+    if (move.operation != Operation::moveFile || move.number + 2 >= good.calls.size()) return std::nullopt;
+    const std::size_t later = move.number + 2 + tape.upTo(good.calls.size() - move.number - 3);
+    if (good.calls[later].operation != Operation::moveFile) return std::nullopt;
+    Intrusion look;
+    look.path = move.second;
+    look.sharing = access::all;
+    if (tape.coin()) look.kind = Intrusion::Kind::map;
+    return calm.with(atCall(move.number + 1), look).with(atCall(later), Fault{error::accessDenied});
 }
 
 constexpr std::array kExtents = {Extent::none, Extent::part, Extent::whole};
@@ -124,10 +147,12 @@ constexpr std::array kProfiles = {Profile::posixDelete, Profile::classicDelete, 
                                   Profile::networkShare, Profile::devDrive};
 
 Scenario drawnSetting(Tape& tape) {
-    const auto way = static_cast<Way>(tape.upTo(kWays - 1));
+    const auto way = static_cast<Way>(tape.upTo(kMainWays - 1));
     const Profile profile = tape.anyOf(kProfiles);
     const bool hasRunningGame = tape.coin();
-    return {settingOf(drawnReleases(tape), way, profile, hasRunningGame), {}};
+    auto setting = std::make_shared<Setting>(*settingOf(drawnReleases(tape), way, profile, hasRunningGame));
+    setting->isDrawn = true;
+    return {std::move(setting), {}};
 }
 
 enum class Event : std::uint8_t { fault, intrusion, kill, powerLoss };
@@ -162,7 +187,7 @@ std::optional<Scenario> drawnUpdate(Tape& tape, Stock&) {
 /// Several things at once. Which kinds can happen, and how often each does, is drawn first.
 std::optional<Scenario> swarm(Tape& tape, Stock& stock) {
     const bool isDrawn = tape.coin();
-    const Scenario calm = isDrawn ? drawnSetting(tape) : calmWay(tape, stock);
+    const Scenario calm = isDrawn ? drawnSetting(tape) : calmWay(tape, stock, kWays);
     const std::vector<Call> calls = isDrawn ? play(calm).calls : stock.outcomeOf(calm).calls;
     std::array<std::size_t, 4> weights{};
     std::size_t sum = 0;
@@ -191,8 +216,10 @@ std::optional<Scenario> swarm(Tape& tape, Stock& stock) {
 
 const std::vector<Exploration>& explorations() {
     static const std::vector<Exploration> all = {
+        {"undisturbed", true, 0, undisturbed},
         {"one fault", true, 1, oneFault},
         {"fault on the way back", true, 2, faultOnTheWayBack},
+        {"looked at on the way back", true, 2, lookedAtOnTheWayBack},
         {"killed", true, 1, killed},
         {"killed on the way back", true, 2, killedOnTheWayBack},
         {"power loss", true, 1, withoutPower},

@@ -9,6 +9,8 @@ namespace {
 
 constexpr std::size_t kRepeatedOneIn = 20;
 constexpr std::size_t kShrinkTries = 400;
+constexpr std::size_t kStrideOfTime = 31;
+constexpr std::uint64_t kSeedStep = 0x10001;
 
 double secondsSince(std::chrono::steady_clock::time_point begin) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
@@ -45,34 +47,57 @@ void Explorer::explore(const Amount& amount) {
     }
 }
 
-// With a time to fill, each exploration takes its turn; those that can be visited one by one are visited in strides, so
-// that a visit that is cut off has seen a part of everything.
 bool Explorer::step(Visit& visit, const Amount& amount) {
+    return explorations()[visit.exploration].isExhaustible ? count(visit, amount) : draw(visit, amount);
+}
+
+bool Explorer::draw(Visit& visit, const Amount& amount) {
+    if (!amount.seconds && visit.index == amount.draws) return false;
+    const std::uint64_t number = visit.index++ * amount.shares + amount.share;
+    Tape tape({static_cast<std::uint32_t>(visit.exploration)}, amount.seed + kSeedStep * number);
+    this->visit(visit, tape);
+    return true;
+}
+
+// With a time to fill, all scenarios are counted again and again, each time other ones are visited: a visit that is cut
+// off has seen a part of everything.
+bool Explorer::count(Visit& visit, const Amount& amount) {
     const Exploration& exploration = explorations()[visit.exploration];
-    const auto number = static_cast<std::uint32_t>(visit.exploration);
-    if (!exploration.isExhaustible) {
-        if (!amount.seconds && visit.index == amount.draws) return false;
-        Tape tape({number}, amount.seed + 0x10001 * visit.index++);
-        this->visit(visit, tape);
-        return true;
-    }
-    const std::size_t stride = std::max<std::size_t>(amount.everyNth, 1);
+    const std::size_t stride = amount.seconds ? kStrideOfTime : std::max<std::size_t>(amount.everyNth, 1);
     while (visit.next) {
-        Choices choices{number};
+        Choices choices{static_cast<std::uint32_t>(visit.exploration)};
         choices.insert(choices.end(), visit.next->begin(), visit.next->end());
         Tape tape(std::move(choices));
-        const bool isDue = visit.index++ % stride == amount.seed % stride;
-        if (isDue) {
+        const std::size_t offset = (amount.seed + visit.round * amount.shares + amount.share) % stride;
+        const bool isVisited = visit.index++ % stride == offset || isNew(exploration, tape);
+        if (isVisited) {
             this->visit(visit, tape);
         } else {
             tape.upTo(explorations().size() - 1);
             static_cast<void>(exploration.choose(tape, stock_));
         }
         visit.next = tape.next(1);
-        if (visit.next) visit.next->erase(visit.next->begin());
-        if (isDue) return true;
+        if (visit.next) {
+            visit.next->erase(visit.next->begin());
+        } else if (amount.seconds && ++visit.round * amount.shares + amount.share < stride) {
+            visit.index = 0;
+            visit.next = Choices{};
+        }
+        if (isVisited) return true;
     }
     return false;
+}
+
+// A fault that no scenario met so far is worth a visit, whatever the stride.
+bool Explorer::isNew(const Exploration& exploration, Tape tape) {
+    tape.upTo(explorations().size() - 1);
+    const std::optional<Scenario> scenario = exploration.choose(tape, stock_);
+    if (!scenario || scenario->plan.size() != 1) return false;
+    const auto* fault = std::get_if<Fault>(&scenario->plan.front().action);
+    if (fault == nullptr) return false;
+    const std::size_t number = scenario->plan.front().trigger.number;
+    const Operation operation = stock_.outcomeOf({scenario->setting, {}}).calls[number].operation;
+    return examination_.coverage().lacks(operation, *fault);
 }
 
 void Explorer::visit(Visit& visit, Tape& tape) {

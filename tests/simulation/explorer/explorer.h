@@ -18,10 +18,12 @@ namespace vorthmere::update::simulation {
 struct Amount {
     std::uint64_t seed = 1;
     std::optional<double> seconds;  ///< everything, until the time is over
-    std::size_t everyNth = 1;       ///< of the scenarios that can be visited one by one
-    std::size_t draws = 0;          ///< of each exploration that is drawn
+    std::size_t everyNth = 1;       ///< of the scenarios that can be visited one by one, when no time is given
+    std::size_t draws = 0;          ///< of each exploration that is drawn, when no time is given
+    std::size_t share = 0;          ///< which part of the work is done here, of `shares`
+    std::size_t shares = 1;
     std::vector<std::size_t> only;  ///< numbers of explorations; empty: all
-    std::size_t mostFindings = 5;
+    std::size_t mostFindings = 5;   ///< kinds of findings after which it ends
 };
 
 /// Visits scenarios, counts them and tells what they showed.
@@ -49,10 +51,14 @@ private:
         std::size_t exploration = 0;
         std::optional<Choices> next;  ///< of those that can be visited one by one
         std::size_t index = 0;
+        std::size_t round = 0;  ///< how often all of them were counted
         std::size_t scenarios = 0;
     };
 
     bool step(Visit& visit, const Amount& amount);
+    bool draw(Visit& visit, const Amount& amount);
+    bool count(Visit& visit, const Amount& amount);
+    bool isNew(const Exploration& exploration, Tape tape);
     void visit(Visit& visit, Tape& tape);
     void report(const Finding& finding, std::size_t mustMeet, const Choices& choices);
     std::optional<Finding> run(const Choices& choices);

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "tests/simulation/explorer/absorbed_faults.h"
+#include "tests/simulation/explorer/fitting_sentences.h"
 #include "tests/simulation/explorer/way_back.h"
 
 namespace vorthmere::update::simulation {
@@ -63,7 +64,7 @@ public:
         documented();
         reported();
         returned();
-        linear();
+        steady();
         return std::move(breaches_);
     }
 
@@ -76,7 +77,14 @@ private:
         return old_.contains(key) || new_.contains(key);
     }
 
+    /// True for what other programs changed, there or where it was while files changed places.
     bool isOthers(std::string_view key) const {
+        if (isOthersItself(key)) return true;
+        if (!isAtOrBelow(key, treeKeyOf(place::kInstallation)) || isWorkFolder(key)) return false;
+        return isOthersItself(inFolder(place::kBackup, key)) || isOthersItself(inFolder(place::kStaging, key));
+    }
+
+    bool isOthersItself(std::string_view key) const {
         return std::any_of(others_.begin(), others_.end(), [key](const std::string& other) {
             return isAtOrBelow(key, other) || isAtOrBelow(other, key);
         });
@@ -109,7 +117,7 @@ private:
 
     void kept() {
         for (const auto& [key, node] : setting_.before) {
-            if (!node.isFile() || !isManaged(key) || isOthers(key) || isOthers(inFolder(place::kBackup, key))) continue;
+            if (!node.isFile() || !isManaged(key) || isOthers(key)) continue;
             if (!isAt(key, node) && !isAt(inFolder(place::kBackup, key), node))
                 broken("2 kept", key, node.path + " is neither in the installation nor in the backup");
         }
@@ -186,6 +194,12 @@ private:
     void documented() {
         if (outcome_.end == Outcome::End::returned && !documented_.contains(outcome_.code, outcome_.sentence))
             broken("4 documented", "", "code " + std::to_string(outcome_.code) + " with \"" + outcome_.sentence + "\"");
+        const FittingSentence* fitting = fittingSentenceOf(outcome_);
+        if (outcome_.end == Outcome::End::returned && fitting != nullptr &&
+            (outcome_.code != fitting->code || outcome_.sentence != fitting->sentence))
+            broken(
+                "4 documented", "",
+                "code " + std::to_string(fitting->code) + " with \"" + std::string(fitting->sentence) + "\" would fit");
         if (outcome_.end != Outcome::End::threw) return;
         constexpr std::string_view operations[] = {"exists", "status", "absolute"};
         if (std::none_of(std::begin(operations), std::end(operations), [this](std::string_view operation) {
@@ -206,17 +220,26 @@ private:
         for (const std::string& handle : outcome_.openHandles)
             broken("6 returned", "", handle + " was left open");
         if (outcome_.wrongHandles > 0) broken("6 returned", "", "it used a handle that was not open");
-        if (outcome_.end == Outcome::End::crashed) return;
+        const bool couldNotEnd = std::any_of(outcome_.calls.begin(), outcome_.calls.end(), [](const Call& call) {
+            return call.operation == Operation::endProcess && call.result != 0;
+        });
+        if (outcome_.end == Outcome::End::crashed || couldNotEnd) return;
         for (const ProcessId child : outcome_.machine.processes.runningChildrenOf(outcome_.machine.caller)) {
             const Process* process = outcome_.machine.processes.find(child);
             if (process->tool) broken("6 returned", "", process->commandLine + " still runs");
         }
     }
 
-    void linear() {
+    void steady() {
+        std::uint32_t percent = 0;
+        for (const ReportedStep& step : outcome_.steps) {
+            if (step.percent < percent && step.text != timetable::preparingCompletePackage.text)
+                broken("7 steady", "", "the percentage falls to " + std::to_string(step.percent));
+            percent = step.percent;
+        }
         const std::size_t most = mostCalls(setting_.releases);
         if (outcome_.calls.size() > most)
-            broken("7 linear", "", std::to_string(outcome_.calls.size()) + " calls, more than " + std::to_string(most));
+            broken("7 steady", "", std::to_string(outcome_.calls.size()) + " calls, more than " + std::to_string(most));
     }
 
     const Outcome& outcome_;

@@ -18,10 +18,12 @@ namespace vorthmere::update::simulation {
 ///  3 told: the code says what is installed. 0: exactly the new release, letter case included. 10 to 26: nothing in the
 ///    installation changed. 27, 28: the old release, to the last folder; 28 with the sentence that the previous build
 ///    could not be restored: the new release.
-///  4 documented: code and sentence are a pair of docs/failures.md. An exception is one of a status query.
+///  4 documented: code and sentence are a pair of docs/failures.md, and the one that fits where a single fault was met
+///    (fitting_sentences.h). An exception is one of a status query.
 ///  5 reported: a fault that was met does not end in 0, but where absorbed_faults.h says why.
 ///  6 returned: the run ends, leaves no handle open and no child running, and closes nothing twice.
-///  7 linear: the number of calls grows with the number of files and no faster.
+///  7 steady: the number of calls grows with the number of files and no faster. The percentage never falls, but where
+///    the complete package is begun.
 ///  8 converges: the next run, unharmed, completes, or ends with 10 and changes nothing.
 ///  9 recoverable: after any end in between, the steps of README.md bring each old file back, and an update after them
 ///    completes.

@@ -36,10 +36,19 @@ bool isInvariant(const Breach& breach, char number) {
 
 // A path that is wrongly not found while files are moved aside is passed over.
 
+bool isVolumeAway(const Outcome& outcome) {
+    const Plan& plan = outcome.scenario.plan;
+    return std::any_of(plan.begin(), plan.end(), [](const PlannedAction& planned) {
+        const auto* intrusion = std::get_if<Intrusion>(&planned.action);
+        return intrusion != nullptr && intrusion->kind == Intrusion::Kind::takeVolumeAway;
+    });
+}
+
 bool isOverlooked(const Outcome& outcome, const Breach& breach) {
     const std::size_t first = outcome.firstCallOf(kInstallingText);
+    const bool isAway = isVolumeAway(outcome);
     return std::any_of(outcome.calls.begin(), outcome.calls.end(), [&](const Call& call) {
-        return call.number >= first && call.isHarmed &&
+        return call.number >= first && (call.isHarmed || isAway) &&
                (call.operation == Operation::entryFacts || call.operation == Operation::targetFacts) &&
                isNotFound(failureOf(call.result)) && isSamePlace(call.subject, breach.subject);
     });
@@ -78,19 +87,54 @@ bool isOtherSpelling(const Outcome& outcome, const Breach& breach) {
     const Tree& before = outcome.scenario.setting->before;
     const auto then = before.find(breach.subject);
     const auto now = outcome.after.find(breach.subject);
-    return isInvariant(breach, '3') && then != before.end() && now != outcome.after.end() &&
-           sameContent(then->second, now->second) && then->second.attributes == now->second.attributes &&
-           then->second.path != now->second.path;
+    if (!isInvariant(breach, '3') || then == before.end() || now == outcome.after.end()) return false;
+    const auto& files = outcome.scenario.setting->releases.offered.files;
+    const bool isNew = outcome.code == 28 && std::any_of(files.begin(), files.end(), [&](const ReleaseFile& file) {
+                           return installed(file.path) == breach.subject && now->second.isFile() &&
+                                  *now->second.content == file.content && !now->second.path.ends_with(file.path);
+                       });
+    return isNew || (sameContent(then->second, now->second) && then->second.attributes == now->second.attributes &&
+                     then->second.path != now->second.path);
 }
 
 // A file in whose place the new release has a folder.
 
+bool isFolderInPlaceOfFile(const Outcome& outcome) {
+    const Tree& before = outcome.scenario.setting->before;
+    return std::any_of(before.begin(), before.end(), [&outcome](const auto& entry) {
+        const auto now = outcome.after.find(entry.first);
+        return entry.second.isFile() && now != outcome.after.end() && !now->second.isFile();
+    });
+}
+
 bool isFileUnderNewFolder(const Outcome& outcome, const Breach& breach) {
     const auto& files = outcome.scenario.setting->releases.offered.files;
+    if (isInvariant(breach, '8')) return isFolderInPlaceOfFile(outcome);
     return (isInvariant(breach, '9') || isInvariant(breach, '3')) && wasFile(outcome, breach.subject) &&
            std::any_of(files.begin(), files.end(), [&breach](const ReleaseFile& file) {
                return installed(file.path) != breach.subject && isAtOrBelow(installed(file.path), breach.subject);
            });
+}
+
+// A link that comes after the test for links.
+
+bool isLater(const Outcome& outcome, const PlannedAction& planned) {
+    const auto* intrusion = std::get_if<Intrusion>(&planned.action);
+    if (intrusion == nullptr) return false;
+    const bool isLink = intrusion->kind == Intrusion::Kind::plantJunction ||
+                        intrusion->kind == Intrusion::Kind::plantFileLink ||
+                        intrusion->kind == Intrusion::Kind::plantFolderLink;
+    return isLink && std::none_of(outcome.calls.begin(), outcome.calls.end(), [&](const Call& call) {
+               return call.number >= planned.trigger.number && call.operation == Operation::entryAttributes &&
+                      treeKeyOf(call.subject) == treeKeyOf(intrusion->path);
+           });
+}
+
+bool isLinkAfterTheTest(const Outcome& outcome, const Breach& breach) {
+    const Plan& plan = outcome.scenario.plan;
+    return isAtOrBelow(breach.subject, treeKeyOf(place::kElsewhere)) &&
+           std::any_of(plan.begin(), plan.end(),
+                       [&outcome](const PlannedAction& planned) { return isLater(outcome, planned); });
 }
 
 bool never(const Outcome&, const Breach&) {
@@ -210,6 +254,20 @@ const std::vector<KnownLoss>& knownLosses() {
              return happensIn(Scenario{settingOf(sampleReleases(), Way::incremental), {}}.with(
                                   nthCall(Operation::moveFile, staged("Vorthmere.exe"), 0), Kill{Extent::none}),
                               isFileUnderNewFolder);
+         }},
+        {"link after the test", "docs/failures.md",
+         "A link that another program plants after its place was tested is followed.", isLinkAfterTheTest,
+         [] {
+             Intrusion junction;
+             junction.kind = Intrusion::Kind::plantJunction;
+             junction.path = inInstallation("data");
+             junction.second = std::string(place::kElsewhere) + "/data";
+             const Scenario calm{settingOf(smallestReleases(), Way::incremental), {}};
+             const Outcome good = play(calm);
+             const auto move = std::find_if(good.calls.begin(), good.calls.end(), [](const Call& call) {
+                 return call.operation == Operation::moveFile && call.subject == staged("data/a.pak");
+             });
+             return happensIn(calm.with({std::nullopt, "", move->number}, junction), isLinkAfterTheTest);
          }},
         {"status that is not known", "docs/failures.md",
          "A status that cannot be told ends the program; what was moved aside until then stays in the backup.", never,

@@ -3,6 +3,7 @@
 #include <exception>
 #include <iostream>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -13,14 +14,15 @@ namespace {
 
 constexpr std::string_view kUsage = R"(Plays updates on a simulated Windows in which everything goes wrong.
 
-simulate [--seed S] [--every N] [--draws N] [--seconds N] [--only E]... [--findings N] [--coverage]
+simulate [--seed S] [--every N] [--draws N] [--seconds N [--share J/N]] [--only E]... [--findings N] [--coverage]
 simulate --tape 2.0.143.1
 simulate --list
 
-  --seed S      a number or any text; without it one is drawn
+  --seed S      a number or any text; without it KVN_SIMULATION_SEED, or one is drawn
   --every N     visits each N-th of the scenarios that can be counted (1)
   --draws N     draws so many scenarios of the other explorations (0)
   --seconds N   goes on for so long instead
+  --share J/N   does the J-th (from 0) of N parts of what is done in that time
   --only E      one exploration, by its number; may be repeated
   --findings N  ends after so many kinds of findings (5)
   --coverage    an operation or a fault that was never met is a failure
@@ -44,6 +46,12 @@ struct Request {
     bool wantsCoverage = false;
 };
 
+void readShare(const std::string& text, Amount& amount) {
+    amount.share = std::stoul(text);
+    amount.shares = std::stoul(text.substr(text.find('/') + 1));
+    if (amount.share >= amount.shares) throw std::invalid_argument("No such share: " + text);
+}
+
 bool read(int count, char** words, Request& request) {
     for (int i = 1; i < count; ++i) {
         const std::string_view option = words[i];
@@ -61,6 +69,8 @@ bool read(int count, char** words, Request& request) {
             request.amount.draws = std::stoul(value);
         else if (option == "--seconds")
             request.amount.seconds = std::stod(value);
+        else if (option == "--share")
+            readShare(value, request.amount);
         else if (option == "--only")
             request.amount.only.push_back(std::stoul(value));
         else if (option == "--findings")
@@ -99,6 +109,8 @@ int simulate(Request request) {
         explorer.replay(*request.tape);
         return explorer.findings() == 0 ? 0 : 1;
     }
+    const char* given = std::getenv("KVN_SIMULATION_SEED");
+    if (request.seed.empty() && given != nullptr) request.seed = given;
     if (request.seed.empty()) request.seed = std::to_string(std::random_device{}());
     request.amount.seed = seedOf(request.seed);
     std::cout << "seed " << request.seed << std::endl;

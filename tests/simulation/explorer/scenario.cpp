@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "tests/simulation/digests.h"
 #include "update/release_channel.h"
 #include "update/text.h"
 #include "updater/update_run.h"
@@ -15,12 +16,25 @@
 namespace vorthmere::update::simulation {
 namespace {
 
-constexpr std::array<std::string_view, kWays> kWayNames = {"incremental",
-                                                           "complete package",
-                                                           "incremental over HTTPS",
-                                                           "complete package over HTTPS",
-                                                           "already current",
-                                                           "incremental, and the new game does not start"};
+struct WayFacts {
+    std::string_view name;
+    int code;
+};
+
+constexpr std::array<WayFacts, kWays> kWayFacts = {{
+    {"incremental", 0},
+    {"complete package", 0},
+    {"incremental over HTTPS", 0},
+    {"complete package over HTTPS", 0},
+    {"already current", 0},
+    {"incremental, and the new game does not start", 28},
+    {"complete package through links", 0},
+    {"incremental, one object is damaged", 0},
+    {"complete package, which is damaged", 18},
+    {"complete package, and the archive tool prints too much", 21},
+    {"incremental, and a folder of the game is a junction", 27},
+    {"incremental, and the work folder is a junction", 13},
+}};
 
 constexpr std::string_view kGame = "C:/Games/Kelvane/Vorthmere.exe";
 constexpr std::string_view kUpdater = "C:/Games/Kelvane/KVNUpdater.exe";
@@ -38,7 +52,8 @@ Arguments argumentsOf(Way way, std::uint32_t installed) {
     const std::filesystem::path offer(place::kOffer);
     arguments.manifestFile = offer / "manifest";
     arguments.packageFile = offer / "package.zip";
-    if (way == Way::complete) return arguments;
+    if (way == Way::complete || way == Way::linkedOffer || way == Way::damagedPackage || way == Way::talkativeTool)
+        return arguments;
     arguments.inventoryFile = offer / "inventory";
     arguments.objectDirectory = offer / "objects";
     return arguments;
@@ -51,6 +66,57 @@ void putSurroundings(Machine& machine, const ReleasePair& releases) {
     machine.files.putFile("C:/Games/Other/game.exe", contentOf("MZ another game"));
 }
 
+/// Puts a link in the place of each local file of the offer.
+void linkOffer(Machine& machine) {
+    for (const std::string_view name : {"manifest", "package.zip"}) {
+        const std::string path = std::string(place::kOffer) + "/" + std::string(name);
+        const std::string target = "C:/Elsewhere/" + std::string(name);
+        machine.files.putFile(target, machine.files.find(path)->content);
+        machine.files.erase(path);
+        machine.files.putReparsePoint(path, tag::symbolicLink, target, false);
+    }
+}
+
+/// Changes one byte of a file.
+void damage(Machine& machine, const std::string& path) {
+    std::string bytes = *machine.files.find(path)->content;
+    bytes.back() = static_cast<char>(bytes.back() ^ 1);
+    machine.files.putFile(path, contentOf(std::move(bytes)));
+}
+
+/// The object of a file that changes.
+std::string objectOf(const Release& release, std::string_view path) {
+    for (const ReleaseFile& file : release.files)
+        if (file.path == path) return std::string(place::kOffer) + "/objects/" + objectName(sha256TextOf(file.content));
+    throw std::logic_error("No file " + std::string(path) + ".");
+}
+
+constexpr std::size_t kTooMuchOutput = 300000;
+
+/// What is special about a way.
+void prepare(Machine& machine, Way way, const ReleasePair& releases) {
+    const std::string installation(place::kInstallation);
+    switch (way) {
+        case Way::linkedOffer:
+            return linkOffer(machine);
+        case Way::damagedObject:
+            return damage(machine, objectOf(releases.offered, kGameExecutableName));
+        case Way::damagedPackage:
+            return damage(machine, std::string(place::kOffer) + "/package.zip");
+        case Way::talkativeTool:
+            machine.processes.archiveTool.alsoPrintsBytes = kTooMuchOutput;
+            return;
+        case Way::linkedFolder:
+            machine.files.erase(installation + "/data");
+            return machine.files.putReparsePoint(installation + "/data", tag::junction, "C:/Elsewhere/data", true);
+        case Way::linkedWorkFolder:
+            machine.files.erase(std::string(place::kWorkFolder));
+            return machine.files.putReparsePoint(std::string(place::kWorkFolder), tag::junction, "C:/Elsewhere", true);
+        default:
+            return;
+    }
+}
+
 std::string channelObject(const Machine& machine) {
     for (const auto& [address, answer] : machine.internet.answers)
         if (address.find(kObjectNamePrefix) != std::string::npos) return address;
@@ -60,14 +126,17 @@ std::string channelObject(const Machine& machine) {
 }  // namespace
 
 std::string_view nameOf(Way way) {
-    return kWayNames[static_cast<std::size_t>(way)];
+    return kWayFacts[static_cast<std::size_t>(way)].name;
+}
+
+int undisturbedCode(Way way) {
+    return kWayFacts[static_cast<std::size_t>(way)].code;
 }
 
 SettingPointer settingOf(ReleasePair releases, Way way, Profile profile, bool hasRunningGame) {
     auto setting = std::make_shared<Setting>();
     setting->way = way;
     setting->profile = profile;
-    setting->hasRunningGame = hasRunningGame;
     setting->machine = Machine(profile);
     Machine& machine = setting->machine;
     putFiles(machine, place::kInstallation, releases.installed.files);
@@ -77,6 +146,8 @@ SettingPointer settingOf(ReleasePair releases, Way way, Profile profile, bool ha
     // What an earlier update left behind.
     machine.files.putFile(std::string(place::kBackup) + "/data/of 40.pak", contentOf("of 40"),
                           attribute::archive | attribute::readOnly);
+    machine.files.putReparsePoint(std::string(place::kStaging) + "/planted", tag::junction,
+                                  std::string(place::kElsewhere), true);
     putSurroundings(machine, releases);
     const Offer offer = offerOf(releases.offered);
     if (isLocal(way))
@@ -94,6 +165,7 @@ SettingPointer settingOf(ReleasePair releases, Way way, Profile profile, bool ha
         game.runsForMs.reset();
     }
     if (way == Way::relaunchFails) game.startError = error::notAProgram;
+    prepare(machine, way, releases);
     machine.files.flushAll();
     setting->before = treeOf(machine);
     setting->releases = std::move(releases);
@@ -117,8 +189,8 @@ namespace {
 /// Runs the core once and fills in how it ended.
 void run(Gate& gate, Arguments arguments, Outcome& outcome) {
     std::wstring error;
-    const auto progress = [&outcome, &gate](std::wstring text, std::uint32_t) {
-        outcome.steps.push_back({std::move(text), gate.calls().size()});
+    const auto progress = [&outcome, &gate](std::wstring text, std::uint32_t percent) {
+        outcome.steps.push_back({std::move(text), percent, gate.calls().size()});
     };
     try {
         outcome.code = runUpdate(std::move(arguments), error, progress);

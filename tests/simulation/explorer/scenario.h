@@ -24,8 +24,20 @@ enum class Way : std::uint8_t {
     completeOverHttps,     ///< the channel's package, as one of its objects is missing
     current,               ///< nothing newer is offered
     relaunchFails,         ///< the new game does not start: the releases are swapped back
+    linkedOffer,           ///< the local package, its files being links
+    damagedObject,         ///< incremental, but one changed file is not what was announced
+    damagedPackage,        ///< the local package is not what was announced
+    talkativeTool,         ///< the archive tool prints more than it may
+    linkedFolder,          ///< a folder of the installation is a junction
+    linkedWorkFolder,      ///< the work folder is one
 };
-inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::relaunchFails) + 1;
+inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::linkedWorkFolder) + 1;
+
+/// The first ones, on which most goes on; each of the others differs in one step.
+inline constexpr std::size_t kMainWays = static_cast<std::size_t>(Way::relaunchFails) + 1;
+
+/// How an update on this way ends when nothing disturbs it.
+[[nodiscard]] int undisturbedCode(Way way);
 
 [[nodiscard]] std::string_view nameOf(Way way);
 
@@ -37,7 +49,7 @@ struct Setting {
     Machine machine;
     Tree before;
     Arguments arguments;
-    bool hasRunningGame = false;
+    bool isDrawn = false;  ///< its releases may be such that the one cannot be installed over the other
 };
 
 using SettingPointer = std::shared_ptr<const Setting>;
@@ -59,6 +71,7 @@ struct Scenario {
 /// A step of the run that was reported.
 struct ReportedStep {
     std::wstring text;
+    std::uint32_t percent = 0;
     std::size_t firstCall = 0;  ///< number of the next call
 };
 

@@ -33,6 +33,31 @@ bool isFailure(const std::vector<Call>& calls, std::size_t i) {
     return isFailedChange(call) && !(lacksParent && isMadeLater(calls, i));
 }
 
+/// True when another program of the plan can keep a file from being renamed. One that shares deletion, or has a file
+/// locked, mapped or made read-only cannot.
+bool canHinderRenames(const PlannedAction& planned) {
+    const auto* intrusion = std::get_if<Intrusion>(&planned.action);
+    if (intrusion == nullptr) return false;
+    switch (intrusion->kind) {
+        case Intrusion::Kind::open:
+            return (intrusion->sharing & access::remove) == 0;
+        case Intrusion::Kind::lock:
+        case Intrusion::Kind::map:
+        case Intrusion::Kind::unmap:
+        case Intrusion::Kind::setReadOnly:
+        case Intrusion::Kind::clearReadOnly:
+        case Intrusion::Kind::release:
+        case Intrusion::Kind::leaveFolder:
+        case Intrusion::Kind::freeDisk:
+        case Intrusion::Kind::bringVolumeBack:
+        case Intrusion::Kind::endPrograms:
+        case Intrusion::Kind::letChildrenRun:
+            return false;
+        default:
+            return true;
+    }
+}
+
 /// The first call at or after `from` that could not do its work.
 std::size_t firstFailure(const std::vector<Call>& calls, std::size_t from) {
     for (std::size_t i = from; i < calls.size(); ++i)
@@ -65,8 +90,10 @@ WayBack::WayBack(const Outcome& outcome) {
     const std::vector<Call>& calls = outcome.calls;
     const std::size_t relaunch = failedRelaunch(outcome);
     begin_ = firstFailure(calls, relaunch < calls.size() ? relaunch + 1 : outcome.firstCallOf(kInstallingText));
+    const Plan& plan = outcome.scenario.plan;
+    const bool isHindered = std::any_of(plan.begin(), plan.end(), canHinderRenames);
     for (std::size_t i = begin_ + 1; i < calls.size(); ++i) {
-        if (!isFailure(calls, i)) continue;
+        if (!isFailure(calls, i) || !(calls[i].isHarmed || isHindered)) continue;
         std::string relative;
         if (relativeKeyOf(calls[i].subject, relative)) hits_.push_back(relative);
         if (relativeKeyOf(calls[i].second, relative)) hits_.push_back(relative);

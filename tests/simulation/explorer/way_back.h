@@ -19,12 +19,7 @@ public:
         return begin_;
     }
 
-    /// True when a call of the way back itself failed.
-    [[nodiscard]] bool wasHit() const {
-        return !hits_.empty();
-    }
-
-    /// True when a failed call of the way back explains why a path is not as it was: it named that path, one below it
+    /// True when a call of the way back that the plan made fail, or that another program hindered, explains why a path is not as it was: it named that path, one below it
     /// or a folder that leads there.
     ///
     /// @param key of a path in the installation

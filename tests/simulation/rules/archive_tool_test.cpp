@@ -198,6 +198,18 @@ TEST(SimulatedArchiveTool, CannotEnterWhatIsNoFolder) {
     EXPECT_EQ(runTool(machine, "-xf C:/Desk/package.zip -C C:/" + std::string(256, 'x')).exitCode, 1U);
 }
 
+TEST(SimulatedArchiveTool, GetsItsArgumentsThroughTheCodePage) {
+    Machine machine = machineWith({{"a.pak", "a"}});
+    for (const std::string folder : {"\xC3\xA4 \xC2\xB5", "\xC4\x80", "\xD0\x98\xD0\xB3\xD1\x80\xD1\x8B"}) {
+        const std::string path = "C:/Desk/" + folder;
+        machine.files.putFolder(path);
+        const bool isLatin = folder.starts_with('\xC3');
+        const ToolRun run = runTool(machine, "-xf C:/Desk/package.zip -C \"" + path + "\"");
+        EXPECT_EQ(run.exitCode, isLatin ? 0U : 1U) << folder;
+        EXPECT_EQ(contentAt(machine.files, path + "/a.pak"), isLatin ? "a" : "(none)") << folder;
+    }
+}
+
 TEST(SimulatedArchiveTool, PrintsFailsAndWaitsAsItIsTold) {
     Machine machine = machineWith({{"a.pak", "a"}});
     machine.processes.archiveTool.alsoPrints = "warning\r\n";

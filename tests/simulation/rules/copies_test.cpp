@@ -72,6 +72,10 @@ TEST(SimulatedCopies, LoseTheOlderFileWhenTheyFailMidway) {
     files.volumeOf("C:/").freeBytes = 50;
     EXPECT_EQ(files.copyFile("large", "other", true), error::diskFull);
     EXPECT_EQ(spellingOf(files, "other"), "(none)");
+    files.volumeOf("C:/").freeBytes = 50;
+    held(machine, "plain", access::read, access::read | access::write);
+    EXPECT_EQ(files.copyFile("large", "plain", true), error::diskFull);
+    EXPECT_EQ(contentAt(files, "plain"), "");
 }
 
 TEST(SimulatedCopies, LeaveZerosWhenTheyAreCutMidway) {

@@ -201,6 +201,20 @@ TEST(SimulatedLookup, RefusesPathsThatAreTooLong) {
     });
 }
 
+TEST(SimulatedLookup, HidesAFileBehindADeviceOfItsName) {
+    Machine machine = desk();
+    FileSystem& files = machine.files;
+    HandleId file = 0;
+    ASSERT_EQ(files.open("\\\\?\\C:\\Desk\\nul.txt", access::write, access::all, true, file), error::none);
+    ASSERT_EQ(files.write(file, "bytes"), error::none);
+    ASSERT_EQ(files.close(file), error::none);
+    ASSERT_EQ(files.createToWrite("nul.txt", file), error::none);
+    EXPECT_EQ(files.write(file, "other"), error::none);
+    EXPECT_EQ(contentAt(files, "\\\\?\\C:\\Desk\\nul.txt"), "bytes");
+    EXPECT_EQ(files.deleteFile("nul.txt"), error::invalidFunction);
+    EXPECT_EQ(files.deleteFile("\\\\?\\C:\\Desk\\nul.txt"), error::none);
+}
+
 TEST(SimulatedLookup, FindsDevicesInEveryFolder) {
     const auto facts = [](FileSystem& f, std::string_view path) {
         Facts ignored;
@@ -234,9 +248,17 @@ TEST(SimulatedLookup, FindsDevicesInEveryFolder) {
          },
          0},
     });
-    expectAll({{"share", [](FileSystem& f) { return ask(f, "C:/Desk/nul"); }, 5},
-               {"share, create", [](FileSystem& f) { return f.createFolder("nul"); }, 267}},
-              Profile::networkShare);
+    expectAll(
+        {
+            {"share", [](FileSystem& f) { return ask(f, "C:/Desk/nul"); }, 5},
+            {"share, facts", [&](FileSystem& f) { return facts(f, "C:/Desk/nul.txt"); }, 5},
+            {"share, open", [&](FileSystem& f) { return reads(f, "C:/Desk/nul"); }, 5},
+            {"share, create", [](FileSystem& f) { return f.createFolder("nul"); }, 5},
+            {"share, delete", [](FileSystem& f) { return f.deleteFile("nul"); }, 5},
+            {"share, move onto", [](FileSystem& f) { return f.moveFile("plain", "nul"); }, 5},
+            {"share, copy into", [](FileSystem& f) { return f.copyFile("plain", "nul", true); }, 5},
+        },
+        Profile::networkShare);
 }
 
 }  // namespace

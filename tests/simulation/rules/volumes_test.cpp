@@ -40,6 +40,23 @@ TEST(SimulatedVolumes, ThatAreAwayRefuseNewOpeningsAndOpenHandles) {
     EXPECT_EQ(files.deleteFile("D:/stick/file"), 0U);
 }
 
+TEST(SimulatedVolumes, GoAwayEachInItsOwnWay) {
+    struct Away {
+        Profile profile;
+        Error opening;
+        Error handle;
+    };
+    for (const Away& away : {Away{Profile::posixDelete, 3, 55}, Away{Profile::memoryStick, 21, 1167},
+                             Away{Profile::networkShare, 53, 64}}) {
+        Machine machine = desk(away.profile);
+        HandleId file = 0;
+        ASSERT_EQ(machine.files.createToWrite("new", file), 0U);
+        machine.files.volumeOf("C:/").isPresent = false;
+        EXPECT_EQ(machine.files.deleteFile("plain"), away.opening);
+        EXPECT_EQ(machine.files.write(file, "x"), away.handle);
+    }
+}
+
 TEST(SimulatedVolumes, CanBeNetworkFolders) {
     Machine machine = desk();
     Volume share;

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "tests/simulation/explorer/scenario.h"
+
+namespace vorthmere::update::simulation {
+
+/// What a run must say when one call of one of its steps fails: not any documented sentence, this one.
+struct FittingSentence {
+    Operation operation;
+    std::wstring_view step;  ///< the last one that was reported before the call
+    std::string_view below;  ///< the call is about a path in this folder; empty: about anything
+    int code;
+    std::string_view sentence;
+};
+
+/// The sentence for an outcome in which a single fault was met, once; null when any documented one will do.
+[[nodiscard]] const FittingSentence* fittingSentenceOf(const Outcome& outcome);
+
+}  // namespace vorthmere::update::simulation
