@@ -23,8 +23,9 @@ std::wstring installedRelease(const std::wstring& folder) {
     std::ifstream file((folder + L"\\kvn_release.txt").c_str());
     for (std::string line; std::getline(file, line);) {
         if (!line.starts_with(key)) continue;
-        const std::size_t end = line.find_first_not_of("0123456789", key.size());
-        return std::wstring(line.begin() + key.size(), end == std::string::npos ? line.end() : line.begin() + end);
+        const std::string number =
+            line.substr(key.size(), line.find_first_not_of("0123456789", key.size()) - key.size());
+        return std::wstring(number.begin(), number.end());
     }
     return {};
 }
