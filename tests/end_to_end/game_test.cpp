@@ -30,6 +30,16 @@ protected:
         return readFile(scenario.gameReport);
     }
 
+    /// The last thing that an updater does is to clear its work folder.
+    bool waitUntilUpdaterIsDone() const {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        while (fs::exists(scenario.workFolder / "staging")) {
+            if (std::chrono::steady_clock::now() > deadline) return false;
+            std::this_thread::yield();
+        }
+        return true;
+    }
+
     std::string expectedReport() const {
         const std::string folder = windowsPath(scenario.installation);
         std::string report = "command line=";
@@ -100,6 +110,7 @@ TEST_F(GameTest, StartsItsOwnUpdaterAndIsStartedAgainAsTheNewRelease) {
     EXPECT_EQ(gameReport(), expectedReport());
     expectRelease42();
     EXPECT_THAT(transferReport(), testing::StartsWith("mode=incremental"));
+    EXPECT_TRUE(waitUntilUpdaterIsDone());
 }
 
 TEST_F(GameTest, DoesNotStartItsUpdaterWhenItDoesNotKnowItsRelease) {

@@ -20,6 +20,14 @@ std::string testIn(const std::string& line, std::string_view mark) {
     return line.substr(mark.size(), line.rfind(" (") - mark.size());
 }
 
+void reportCount(Report& report, const std::string& program, const std::string& count) {
+    if (count == "0 tests.") {
+        report.failed(program, "none of its tests passed");
+    } else {
+        report.passed(program, count);
+    }
+}
+
 void reportTests(Report& report, const std::string& program, const std::string& output) {
     std::istringstream lines(output);
     std::string reason;
@@ -30,7 +38,7 @@ void reportTests(Report& report, const std::string& program, const std::string& 
         const std::string skipped = testIn(line, kSkippedMark);
         if (!failed.empty()) report.failed(program + ", " + failed, reason);
         if (!skipped.empty()) report.skipped(program + ", " + skipped, reason);
-        if (line.starts_with(kPassedMark)) report.passed(program, line.substr(kPassedMark.size()));
+        if (line.starts_with(kPassedMark)) reportCount(report, program, line.substr(kPassedMark.size()));
         if (line.starts_with(kStartMark)) {
             reason.clear();
         } else {
