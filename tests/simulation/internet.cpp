@@ -1,0 +1,197 @@
+#include "tests/simulation/internet.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+
+#include "tests/simulation/names.h"
+
+namespace vorthmere::update::simulation {
+namespace {
+
+constexpr std::uint16_t kHttpsPort = 443;
+constexpr std::uint16_t kHttpPort = 80;
+
+/// @return false for a port that is none
+bool takePort(std::string_view text, std::uint16_t& port) {
+    const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), port);
+    return failure == std::errc{} && end == text.data() + text.size();
+}
+
+}  // namespace
+
+bool Internet::crack(std::string_view address, Address& parts) {
+    parts = Address();
+    const std::size_t colon = address.find("://");
+    if (colon == std::string_view::npos) return false;
+    const std::string scheme = keyOf(address.substr(0, colon));
+    if (scheme != "HTTPS" && scheme != "HTTP") return false;
+    parts.isHttps = scheme == "HTTPS";
+    parts.port = parts.isHttps ? kHttpsPort : kHttpPort;
+    std::string_view rest = address.substr(colon + 3);
+    const std::size_t hostEnd = std::min(rest.find_first_of("/?#"), rest.size());
+    std::string_view host = rest.substr(0, hostEnd);
+    rest.remove_prefix(hostEnd);
+    if (const std::size_t port = host.find(':'); port != std::string_view::npos) {
+        if (!takePort(host.substr(port + 1), parts.port)) return false;
+        host = host.substr(0, port);
+    }
+    parts.host = host;
+    const std::size_t pathEnd = std::min(rest.find_first_of("?#"), rest.size());
+    parts.path = rest.substr(0, pathEnd);
+    parts.extraInfo = rest.substr(pathEnd);
+    return true;
+}
+
+bool Internet::fail(Error error) {
+    lastError = error;
+    return false;
+}
+
+HandleId Internet::add(Handle handle) {
+    handle.id = nextHandle_ += 4;
+    handles_.push_back(std::move(handle));
+    return nextHandle_;
+}
+
+Internet::Handle* Internet::find(HandleId id, Kind kind) {
+    const auto at = std::find_if(handles_.begin(), handles_.end(),
+                                 [=](const Handle& handle) { return handle.id == id && handle.kind == kind; });
+    if (at == handles_.end()) {
+        lastError = error::wrongHandleType;
+        return nullptr;
+    }
+    return &*at;
+}
+
+HandleId Internet::openSession() {
+    Handle session;
+    session.address = "a session";
+    return add(std::move(session));
+}
+
+HandleId Internet::connectTo(HandleId session, std::string_view host, std::uint16_t port) {
+    if (find(session, Kind::session) == nullptr) return 0;
+    Handle connection;
+    connection.kind = Kind::connection;
+    connection.address = "https://" + std::string(host);
+    if (port != kHttpsPort) connection.address += ":" + std::to_string(port);
+    return add(std::move(connection));
+}
+
+HandleId Internet::createSecureGet(HandleId connection, std::string_view objectName) {
+    const Handle* host = find(connection, Kind::connection);
+    if (host == nullptr) return 0;
+    Handle request;
+    request.kind = Kind::request;
+    request.address = host->address + std::string(objectName);
+    request.request.address = request.address;
+    return add(std::move(request));
+}
+
+void Internet::disableRedirects(HandleId request) {
+    if (Handle* handle = find(request, Kind::request)) handle->request.followsRedirects = false;
+}
+
+void Internet::setHeader(HandleId request, std::string_view line) {
+    if (Handle* handle = find(request, Kind::request)) handle->request.headers.emplace_back(line);
+}
+
+bool Internet::send(HandleId request) {
+    Handle* handle = find(request, Kind::request);
+    if (handle == nullptr) return false;
+    sent.push_back(handle->request);
+    if (channelError != error::none) return fail(channelError);
+    const auto known = answers.find(handle->address);
+    if (known == answers.end())
+        handle->answer.status = 404;
+    else
+        handle->answer = known->second;
+    handle->isSent = true;
+    return handle->answer.sendError == error::none || fail(handle->answer.sendError);
+}
+
+bool Internet::receive(HandleId request, std::uint64_t& nowMs) {
+    Handle* handle = find(request, Kind::request);
+    if (handle == nullptr) return false;
+    if (!handle->isSent) return fail(error::wrongHandleState);
+    nowMs += handle->answer.waitMs;
+    if (handle->answer.answerError != error::none) return fail(handle->answer.answerError);
+    handle->isAnswered = true;
+    return true;
+}
+
+Internet::Handle* Internet::answered(HandleId request) {
+    Handle* handle = find(request, Kind::request);
+    if (handle == nullptr || handle->isAnswered) return handle;
+    lastError = error::wrongHandleState;
+    return nullptr;
+}
+
+bool Internet::status(HandleId request, std::uint32_t& status) {
+    const Handle* handle = answered(request);
+    if (handle == nullptr) return false;
+    status = handle->answer.status;
+    return true;
+}
+
+bool Internet::contentLength(HandleId request, std::uint32_t& length) {
+    const Handle* handle = answered(request);
+    if (handle == nullptr) return false;
+    const Answer& answer = handle->answer;
+    if (!answer.tellsLength) return fail(error::headerNotFound);
+    const std::uint64_t told = answer.toldLength.value_or(answer.body->size());
+    if (told > std::numeric_limits<std::uint32_t>::max()) return fail(error::headerNotFound);
+    length = static_cast<std::uint32_t>(told);
+    return true;
+}
+
+// Asked again before its bytes are read, the count is the same.
+bool Internet::available(HandleId request, std::uint32_t& bytes) {
+    bytes = 0;
+    const Handle* handle = answered(request);
+    if (handle == nullptr) return false;
+    const Answer& answer = handle->answer;
+    const std::uint64_t end =
+        std::min<std::uint64_t>(answer.breaksOffAfter.value_or(answer.body->size()), answer.body->size());
+    if (handle->position >= end && answer.breaksOffAfter) return fail(answer.bodyError);
+    bytes = static_cast<std::uint32_t>(std::min<std::uint64_t>(answer.chunkBytes, end - handle->position));
+    return true;
+}
+
+bool Internet::read(HandleId request, char* buffer, std::uint32_t size, std::uint32_t& count) {
+    count = 0;
+    Handle* handle = answered(request);
+    if (handle == nullptr) return false;
+    const Answer& answer = handle->answer;
+    const std::uint64_t end =
+        std::min<std::uint64_t>(answer.breaksOffAfter.value_or(answer.body->size()), answer.body->size());
+    if (handle->position >= end && answer.breaksOffAfter) return fail(answer.bodyError);
+    const auto most = static_cast<std::size_t>(std::min<std::uint64_t>(size, end - handle->position));
+    count = static_cast<std::uint32_t>(answer.body->copy(buffer, most, static_cast<std::size_t>(handle->position)));
+    handle->position += count;
+    return true;
+}
+
+bool Internet::close(HandleId id) {
+    return std::erase_if(handles_, [id](const Handle& handle) { return handle.id == id; }) > 0;
+}
+
+std::string Internet::nameOf(HandleId id) const {
+    const auto at =
+        std::find_if(handles_.begin(), handles_.end(), [id](const Handle& handle) { return handle.id == id; });
+    return at == handles_.end() ? std::string() : at->address;
+}
+
+std::vector<std::string> Internet::openHandles() const {
+    std::vector<std::string> open;
+    for (const Handle& handle : handles_)
+        open.push_back(handle.kind == Kind::request ? "the request of " + handle.address : handle.address);
+    return open;
+}
+
+void Internet::closeAllHandles() {
+    handles_.clear();
+}
+
+}  // namespace vorthmere::update::simulation

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "tests/simulation/windows_numbers.h"
+
+namespace vorthmere::update::simulation {
+
+/// A name as it is looked up: letters in upper case.
+[[nodiscard]] std::string keyOf(std::string_view name);
+
+/// Orders a key against a name that is not folded yet, byte by byte.
+[[nodiscard]] int compareKey(std::string_view key, std::string_view name);
+
+[[nodiscard]] bool isSameName(std::string_view left, std::string_view right);
+
+[[nodiscard]] std::size_t utf16Length(std::string_view text);
+
+/// A path with "/" for each "\".
+[[nodiscard]] std::string withSlashes(std::string_view path);
+
+/// 0, or 123 for a name that no file can have.
+[[nodiscard]] Error nameError(std::string_view name);
+
+/// True for NUL, CON and their like.
+///
+/// @param withExtension also for "nul.txt" and "NUL .txt"
+[[nodiscard]] bool isDeviceName(std::string_view name, bool withExtension);
+
+/// An absolute path, folded, with "/" alone: "C:/Games/a.pak", "C:/", "//server/share/a.pak".
+struct FullPath {
+    std::string text;
+    std::size_t volumeLength = 0;  ///< of "C:" or "//server/share"
+    bool endsInSeparator = false;  ///< as it was asked for; the text has none, but a root's
+    bool isExtended = false;       ///< was asked for behind "\\?\": taken to the letter
+};
+
+/// What GetFullPathNameW makes of a path.
+///
+/// @param currentFolder absolute, "/" separated
+[[nodiscard]] FullPath fullPathOf(std::string_view path, std::string_view currentFolder);
+
+/// Cuts the first component off a path.
+[[nodiscard]] std::string_view takeComponent(std::string_view& rest);
+
+}  // namespace vorthmere::update::simulation
