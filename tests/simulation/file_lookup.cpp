@@ -46,7 +46,11 @@ Error FileSystem::walk(const std::string& fullPath, std::size_t volumeLength, Li
     std::string_view rest = whole.substr(std::min(volumeLength + 1, whole.size()));
     while (!rest.empty()) {
         const std::string_view name = takeComponent(rest);
-        if (!disk.at(place.entry).isFolder()) return error::pathNotFound;
+        if (!disk.at(place.entry).isFolder()) {
+            place.entry = kNoEntry;
+            place.folder = kNoEntry;
+            return error::pathNotFound;
+        }
         place.folder = place.entry;
         place.name = name;
         place.entry = disk.child(place.folder, name);

@@ -37,8 +37,9 @@ bool isAnyRunning() {
     return runningGate != nullptr;
 }
 
+// Not the generic form, which has no second separator in front of "//?/" and "//server/share".
 std::string textOf(const std::filesystem::path& path) {
-    return withSlashes(ofUtf8(path.generic_u8string()));
+    return withSlashes(ofUtf8(path.u8string()));
 }
 
 // Through a path, as the library converts those on every platform.
