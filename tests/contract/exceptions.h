@@ -12,6 +12,7 @@ struct WineException {
     std::uint32_t wineGives;      ///< Windows' number, 0 for success
     std::string_view wineLeaves;  ///< the tree afterwards, where the test looks at it
     std::string_view reason;
+    bool isNeededByRootAlone = false;  ///< Wine keeps the rule when another user runs it
 };
 
 /// All of them. A test fails under Wine when one of them is not needed.

@@ -49,10 +49,17 @@ Scene::~Scene() {
     world->endPrograms();
 }
 
+void Scene::startAnew() {
+    world->letGo();
+    world->endPrograms();
+    folder_ = world->folder() / std::to_string(++folders_);
+    require(createFolder(folder_), "a folder cannot be created");
+}
+
 fs::path Scene::at(std::string_view path) const {
     if (path.starts_with('?')) return pathOf("//?/" + textOf(at(path.substr(1)))).make_preferred();
     if (path.find(':') == 1) return pathOf(path).make_preferred();
-    return path.empty() ? world->folder() : world->folder() / pathOf(path);
+    return path.empty() ? folder_ : (folder_ / pathOf(path)).make_preferred();
 }
 
 void Scene::write(std::string_view path, std::string_view content) const {
@@ -118,14 +125,15 @@ void Scene::listInto(std::string& tree, const fs::path& folder, const std::strin
 
 std::string Scene::tree() const {
     std::string tree;
-    listInto(tree, world->folder(), "");
+    listInto(tree, folder_, "");
     return tree;
 }
 
 void expectAll(const std::vector<Case>& cases) {
+    Scene scene;
     for (const Case& each : cases) {
         SCOPED_TRACE(each.rule);
-        Scene scene;
+        scene.startAnew();
         scene.make(each.entries);
         const std::string before = scene.tree();
         for (const Hold& hold : each.holds)

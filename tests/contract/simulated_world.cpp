@@ -66,14 +66,14 @@ public:
         return "MZ program";
     }
     std::uint32_t start(const std::filesystem::path& program) override {
-        programs_.push_back(text(program));
         if (act(Kind::startProgram, text(program)) != simulation::error::none)
             throw std::runtime_error("cannot start a program");
-        return machine_.processes.running().back();
+        programs_.push_back(machine_.processes.running().back());
+        return programs_.back();
     }
     void endPrograms() override {
-        for (const std::string& path : programs_)
-            act(Kind::endPrograms, path);
+        for (const simulation::ProcessId id : programs_)
+            machine_.processes.end(machine_.files, id, 0);
         programs_.clear();
     }
 
@@ -99,7 +99,7 @@ private:
     simulation::Gate gate_;
     simulation::Running running_;
     std::vector<std::string> mapped_;
-    std::vector<std::string> programs_;
+    std::vector<simulation::ProcessId> programs_;
 };
 
 }  // namespace
