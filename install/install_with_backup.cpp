@@ -16,6 +16,7 @@ namespace vorthmere::update {
 namespace {
 
 using Paths = std::vector<std::string>;
+using Folders = std::vector<std::filesystem::path>;
 
 /// One installation: the folders, and what was moved so far.
 struct Installation {
@@ -24,6 +25,7 @@ struct Installation {
     const std::filesystem::path& backup;
     Paths backedUp;
     Paths installed;
+    Folders madeFolders;  ///< in the installation, parents first
 };
 
 bool moveBetween(const std::filesystem::path& from, const std::filesystem::path& to, std::string_view path) {
@@ -34,19 +36,20 @@ bool moveBetween(const std::filesystem::path& from, const std::filesystem::path&
 /// as long to find a folder there as to make it: what was made for the last file is not asked for again.
 class ParentFolders {
 public:
-    explicit ParentFolders(const std::filesystem::path& folder) : folder_(folder) {}
+    /// @param made receives the folders that were not there before
+    ParentFolders(const std::filesystem::path& folder, Folders& made) : folder_(folder), made_(made) {}
 
     bool create(std::string_view path) {
         const std::string_view parent = path.substr(0, path.find_last_of('/') + 1);
         if (last_ == parent) return true;
-        std::vector<std::filesystem::path> created;
-        if (createFolders((folder_ / path).parent_path(), created)) return false;
+        if (createFolders((folder_ / path).parent_path(), made_)) return false;
         last_ = parent;
         return true;
     }
 
 private:
     const std::filesystem::path& folder_;
+    Folders& made_;
     std::optional<std::string> last_;
 };
 
@@ -54,7 +57,8 @@ bool vacate(Installation& installation, const Paths& pathsToVacate, const Paths&
     std::set<std::string_view> affected(pathsToVacate.begin(), pathsToVacate.end());
     affected.insert(pathsToInstall.begin(), pathsToInstall.end());
 
-    ParentFolders backupFolders(installation.backup);
+    Folders madeInBackup;
+    ParentFolders backupFolders(installation.backup, madeInBackup);
     for (const std::string_view path : affected) {
         if (!isFreeOfReparsePoints(installation.folder, path))
             return fail(error, L"The installation contains a reparse point in a managed path.");
@@ -71,7 +75,7 @@ bool vacate(Installation& installation, const Paths& pathsToVacate, const Paths&
 }
 
 bool moveIn(Installation& installation, const Paths& pathsToInstall, std::wstring& error) {
-    ParentFolders installedFolders(installation.folder);
+    ParentFolders installedFolders(installation.folder, installation.madeFolders);
     for (const std::string& path : pathsToInstall) {
         if (!installedFolders.create(path)) return fail(error, L"Unable to prepare an updated installation folder.");
         if (!moveBetween(installation.source, installation.folder, path))
@@ -81,14 +85,25 @@ bool moveIn(Installation& installation, const Paths& pathsToInstall, std::wstrin
     return true;
 }
 
-// The reverse order removes a file before the one that it replaced returns. Going on behind a failure saves what can be
-// saved; the failure that led here is the one worth reporting.
+// A file that is only deleted keeps its name as long as somebody holds it open, and the old file could not return to
+// it. One that is moved frees its name at once.
+void takeOut(const Installation& installation, const std::string& path) {
+    const bool moved = moveBetween(installation.folder, installation.source, path);
+    static_cast<void>(removeFile((moved ? installation.source : installation.folder) / path));
+}
+
+// All in reverse: a file leaves before the one that it replaced returns, and so does a folder that took the place of a
+// file. One step that fails does not keep the others from saving what can be saved; the failure that led here is the
+// one worth reporting.
 void rollBack(const Installation& installation) {
     for (auto path = installation.installed.rbegin(); path != installation.installed.rend(); ++path)
-        static_cast<void>(removeFile(installation.folder / *path));
-    ParentFolders installedFolders(installation.folder);
+        takeOut(installation, *path);
+    for (auto folder = installation.madeFolders.rbegin(); folder != installation.madeFolders.rend(); ++folder)
+        static_cast<void>(removeEmptyFolder(*folder));
+    Folders madeAgain;
+    ParentFolders installedFolders(installation.folder, madeAgain);
     for (auto path = installation.backedUp.rbegin(); path != installation.backedUp.rend(); ++path) {
-        installedFolders.create(*path);
+        static_cast<void>(installedFolders.create(*path));
         moveBetween(installation.backup, installation.folder, *path);
     }
 }
@@ -98,7 +113,7 @@ void rollBack(const Installation& installation) {
 bool installWithBackup(const std::filesystem::path& installationFolder, const std::filesystem::path& sourceFolder,
                        const std::filesystem::path& backupFolder, const std::vector<std::string>& pathsToVacate,
                        const std::vector<std::string>& pathsToInstall, std::wstring& error) {
-    Installation installation{installationFolder, sourceFolder, backupFolder, {}, {}};
+    Installation installation{installationFolder, sourceFolder, backupFolder, {}, {}, {}};
     if (vacate(installation, pathsToVacate, pathsToInstall, error) && moveIn(installation, pathsToInstall, error))
         return true;
     rollBack(installation);

@@ -15,12 +15,13 @@ namespace vorthmere::update {
 /// @param pathsToInstall     managed relative paths of the new files, moved in in this order
 /// @param error              receives the first failure's sentence; untouched on success
 /// @return true when every path was installed; the backup then holds every file that either list names and that
-/// existed.
-///         False after the rollback: files moved in are removed, files moved aside are back, as far as the renames of
-///         the rollback succeed; its own failures are not reported. The sentences: "The installation contains a reparse
-///         point in a managed path.", "A managed installation path is not a regular file.", "Unable to prepare the
-///         update backup.", "Unable to back up the current installation.", "Unable to prepare an updated installation
-///         folder.", "Unable to install an updated game file."
+///         existed. False after the rollback: the files moved in are gone, and so are the folders that were made for
+///         them and are empty; the files moved aside are back. Each step of the rollback is tried once, whatever
+///         became of the others, and its own failures are not reported: a file that cannot return stays in the backup.
+///         The sentences: "The installation contains a reparse point in a managed path.", "A managed installation path
+///         is not a regular file.", "Unable to prepare the update backup.", "Unable to back up the current
+///         installation.", "Unable to prepare an updated installation folder.", "Unable to install an updated game
+///         file."
 /// @throws std::filesystem::filesystem_error "exists" or "status", when a path's status cannot be told; nothing is
 ///         rolled back then
 ///

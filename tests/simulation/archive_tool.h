@@ -17,8 +17,8 @@ class FileSystem;
 /// One entry of a package of the model's own format.
 struct PackagedEntry {
     enum class Kind { file, folder, fileLink, folderLink };
-    std::string name;     ///< as the archive holds it, "/" separated; hostile ones too
-    std::string content;  ///< a file's bytes, a link's target
+    std::string name = {};     ///< as the archive holds it, "/" separated; hostile ones too
+    std::string content = {};  ///< a file's bytes, a link's target
     Kind kind = Kind::file;
     bool isReadOnly = false;
     bool isDamaged = false;  ///< its bytes cannot be unpacked; listing it works
@@ -34,11 +34,11 @@ struct PackagedEntry {
 /// What the archive tool does besides its work.
 struct ArchiveToolBehaviour {
     Error startError = error::none;
-    std::string alsoPrints;                 ///< before its listing or its work, for instance a warning
-    std::size_t alsoPrintsBytes = 0;        ///< so many bytes more, in lines
-    bool makesLinks = false;                ///< it has the privilege
-    bool neverEnds = false;                 ///< it waits for ever once its work is done
-    std::optional<std::uint32_t> exitCode;  ///< instead of the one that it would have
+    std::string alsoPrints = {};                 ///< before its listing or its work, for instance a warning
+    std::size_t alsoPrintsBytes = 0;             ///< so many bytes more, in lines
+    bool makesLinks = false;                     ///< it has the privilege
+    bool neverEnds = false;                      ///< it waits for ever once its work is done
+    std::optional<std::uint32_t> exitCode = {};  ///< instead of the one that it would have
 };
 
 /// One run of the archive tool, in steps: between two of them other programs act, and it can be killed.

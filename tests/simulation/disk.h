@@ -48,8 +48,8 @@ struct Entry {
 
 /// One volume. All of this may be changed at any time.
 struct Volume {
-    std::string name = "C:";  ///< "C:", or "//server/share"
-    std::string finalName;    ///< what final paths begin with instead, for a subst letter
+    std::string name = "C:";     ///< "C:", or "//server/share"
+    std::string finalName = {};  ///< what final paths begin with instead, for a subst letter
     EntryId root = kNoEntry;
     bool isPresent = true;
     Error absentOpening = error::pathNotFound;  ///< what an opening is told while the volume is away

@@ -12,8 +12,7 @@ constexpr Extent whole = Extent::whole;
 constexpr auto kQuery = std::to_array<Fault>({{2}, {3}, {5}, {21}, {53}, {64}, {67}, {123}, {267}, {1117}, {1231}});
 constexpr auto kTargetQuery =
     std::to_array<Fault>({{2}, {3}, {5}, {21}, {32}, {53}, {64}, {67}, {123}, {267}, {362}, {1117}, {1920}, {1921}});
-constexpr auto kListFolder = std::to_array<Fault>({{2},
-                                                   {3},
+constexpr auto kListFolder = std::to_array<Fault>({{3},
                                                    {5},
                                                    {21},
                                                    {53},

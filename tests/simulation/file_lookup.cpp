@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <utility>
 
 #include "tests/simulation/file_system.h"
 #include "tests/simulation/names.h"
@@ -38,20 +39,19 @@ std::string FileSystem::pathBehindLink(EntryId link, std::string_view rest) cons
 Error FileSystem::walk(const std::string& fullPath, std::size_t volumeLength, Links links, Place& place,
                        std::string& redirected) const {
     const std::string_view whole = fullPath;
+    place.entry = place.folder = kNoEntry;
     const std::size_t volume = volumeNamed(whole.substr(0, volumeLength));
     if (volume == disk.volumes().size()) return error::pathNotFound;
     if (!disk.volumes()[volume].isPresent) return disk.volumes()[volume].absentOpening;
     place.entry = disk.volumes()[volume].root;
-    place.folder = kNoEntry;
     std::string_view rest = whole.substr(std::min(volumeLength + 1, whole.size()));
     while (!rest.empty()) {
         const std::string_view name = takeComponent(rest);
-        if (!disk.at(place.entry).isFolder()) {
-            place.entry = kNoEntry;
+        place.folder = std::exchange(place.entry, kNoEntry);
+        if (!disk.at(place.folder).isFolder()) {
             place.folder = kNoEntry;
             return error::pathNotFound;
         }
-        place.folder = place.entry;
         place.name = name;
         place.entry = disk.child(place.folder, name);
         if (place.entry == kNoEntry) {

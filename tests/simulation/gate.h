@@ -110,7 +110,7 @@ struct Kill {
 
 struct PowerLoss {
     Extent effect = Extent::none;
-    std::vector<Fate> fates;  ///< of the unflushed files, by name; see FileSystem::losePower
+    std::vector<Fate> fates = {};  ///< of the unflushed files, by name; see FileSystem::losePower
 };
 
 using Action = std::variant<Fault, Kill, PowerLoss, Intrusion>;
@@ -120,8 +120,8 @@ using Action = std::variant<Fault, Kill, PowerLoss, Intrusion>;
 /// When something happens: before the `number`-th (from 0) of the calls that match. Of a Fault, Kill or PowerLoss it is
 /// that call itself.
 struct Trigger {
-    std::optional<Operation> operation;  ///< none: any
-    std::string subject;                 ///< empty: any; else without regard to case
+    std::optional<Operation> operation = {};  ///< none: any
+    std::string subject = {};                 ///< empty: any; else without regard to case
     std::size_t number = 0;
 };
 

@@ -18,11 +18,11 @@ struct Answer {
     std::uint32_t status = 200;
     Content body = contentOf("");
     bool tellsLength = true;
-    std::optional<std::uint64_t> toldLength;      ///< instead of the body's own
-    std::size_t chunkBytes = 8192;                ///< most that can be read at once
-    std::optional<std::uint64_t> breaksOffAfter;  ///< bytes of the body; then bodyError
-    Error sendError = error::none;                ///< of sending the request, for instance 12029
-    Error answerError = error::none;              ///< of waiting for the answer, for instance 12002
+    std::optional<std::uint64_t> toldLength = {};      ///< instead of the body's own
+    std::size_t chunkBytes = 8192;                     ///< most that can be read at once
+    std::optional<std::uint64_t> breaksOffAfter = {};  ///< bytes of the body; then bodyError
+    Error sendError = error::none;                     ///< of sending the request, for instance 12029
+    Error answerError = error::none;                   ///< of waiting for the answer, for instance 12002
     Error bodyError = error::connectionBroken;
     std::uint64_t waitMs = 0;  ///< until the answer comes
 };

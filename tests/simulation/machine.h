@@ -112,8 +112,8 @@ struct Intrusion {
         letChildrenRun,  ///< archive tools that still run do `number` steps, or end with 0
     };
     Kind kind = Kind::open;
-    std::string path;
-    std::string second;
+    std::string path = {};
+    std::string second = {};
     unsigned access = access::read;
     unsigned sharing = access::none;
     std::uint64_t number = 0;

@@ -37,9 +37,11 @@ bool isAnyRunning() {
     return runningGate != nullptr;
 }
 
-// Not the generic form, which has no second separator in front of "//?/" and "//server/share".
+// The parent of "C:/Games" is "C:/" where the library knows drives, and "C:" elsewhere.
 std::string textOf(const std::filesystem::path& path) {
-    return withSlashes(ofUtf8(path.u8string()));
+    std::string text = withSlashes(ofUtf8(path.generic_u8string()));
+    if (text.size() == 2 && text[1] == ':') text.push_back('/');
+    return text;
 }
 
 // Through a path, as the library converts those on every platform.

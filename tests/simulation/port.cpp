@@ -57,7 +57,8 @@ std::vector<FolderEntry> listFolder(const std::filesystem::path& folder, std::er
     failure = toFailure(pass(Operation::listFolder, text, "", [&](Machine& machine, Extent extent) {
         const Error listing = machine.files.listFolder(text, listed);
         if (extent == Extent::part) listed.resize(listed.size() / 2);
-        return listing;
+        // The root of a drive has no "." entry: when it is empty, its search finds nothing, and that is no failure.
+        return listing == error::fileNotFound ? error::none : listing;
     }));
     std::vector<FolderEntry> entries;
     entries.reserve(listed.size());

@@ -20,10 +20,10 @@ inline constexpr std::string_view kProgramMark = "MZ";
 
 /// What every program but the archive tool does when it is started.
 struct ProgramBehaviour {
-    Error startError = error::none;          ///< what CreateProcessW says of it
-    std::optional<std::uint64_t> runsForMs;  ///< none: it runs until somebody ends it
+    Error startError = error::none;               ///< what CreateProcessW says of it
+    std::optional<std::uint64_t> runsForMs = {};  ///< none: it runs until somebody ends it
     std::uint32_t exitCode = 0;
-    std::vector<std::string> opens;  ///< files that it holds while it runs, sharing to read only
+    std::vector<std::string> opens = {};  ///< files that it holds while it runs, sharing to read only
 };
 
 struct Process {

@@ -95,6 +95,34 @@ TEST_F(InstallWithBackupTest, ADroppedPathDisappearsAndIsBackAfterARollback) {
     EXPECT_FALSE(readTree(install).contains("data/dropped.pak"));
 }
 
+TEST_F(InstallWithBackupTest, AFileReturnsToThePlaceOfTheFolderThatTheNewReleasePutThere) {
+    std::filesystem::remove_all(source);
+    writeFile(source / "Vorthmere.exe/bin/game.dll", "new");
+    writeFile(source / "data/kept.pak/part.pak", "new");
+    EXPECT_FALSE(run(oldList, {"Vorthmere.exe/bin/game.dll", "data/kept.pak/part.pak", "missing"}));
+    EXPECT_EQ(error, kNotInstalled);
+    expectNothingChanged();
+}
+
+TEST_F(InstallWithBackupTest, TheWayBackRemovesTheFoldersThatWereMadeAndNoOthers) {
+    std::filesystem::create_directories(install / "more");
+    std::filesystem::create_directories(install / "empty before");
+    writeFile(source / "more/deep/down/added.pak", "new");
+    writeFile(source / "empty before/added.pak", "new");
+    EXPECT_FALSE(run(oldList, {"more/deep/down/added.pak", "empty before/added.pak", "missing"}));
+    expectNothingChanged();
+    EXPECT_TRUE(std::filesystem::exists(install / "more"));
+    EXPECT_TRUE(std::filesystem::exists(install / "empty before"));
+    EXPECT_FALSE(std::filesystem::exists(install / "more/deep"));
+}
+
+TEST_F(InstallWithBackupTest, ANewFileThatIsHeldForDeletionLeavesItsPlaceForTheOldOne) {
+    // A scanner that lets others delete and rename the file, but keeps its name taken when it is only deleted.
+    const HeldFile scanner(source / "Vorthmere.exe", FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
+    EXPECT_FALSE(run(oldList, {"Vorthmere.exe", "missing"}));
+    expectNothingChanged();
+}
+
 TEST_F(InstallWithBackupTest, ANewPathThatIsThereButUnlistedIsBackedUp) {
     writeFile(install / "more/deep/added.pak", "the player's own");
     EXPECT_TRUE(update());
