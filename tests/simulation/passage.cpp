@@ -37,9 +37,10 @@ bool isAnyRunning() {
     return runningGate != nullptr;
 }
 
-// The parent of "C:/Games" is "C:/" where the library knows drives, and "C:" elsewhere.
+// The parent of "C:/Games" is "C:/" where the library knows drives, and "C:" elsewhere. Not the generic form: it has
+// only one of the separators that "//?/" and "//server/share" begin with.
 std::string textOf(const std::filesystem::path& path) {
-    std::string text = withSlashes(ofUtf8(path.generic_u8string()));
+    std::string text = withSlashes(ofUtf8(path.u8string()));
     if (text.size() == 2 && text[1] == ':') text.push_back('/');
     return text;
 }
