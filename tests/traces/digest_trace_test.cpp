@@ -1,4 +1,7 @@
+#include <optional>
+
 #include "tests/support/temporary_folder.h"
+#include "tests/support/watched_memory.h"
 #include "tests/traces/trace_test.h"
 #include "transfer/file_digest.h"
 
@@ -8,12 +11,14 @@ namespace {
 using testing::TemporaryFolder;
 using testing::writeFile;
 
+std::optional<testing::WatchedMemory> workMemory;
+
 NTSTATUS WINAPI createHash(BCRYPT_ALG_HANDLE provider, BCRYPT_HASH_HANDLE* hash, PUCHAR memory, ULONG bytes,
                            PUCHAR secret, ULONG secretBytes, ULONG flags) {
     EXPECT_EQ(secret, nullptr);
     EXPECT_EQ(flags, 0u);
     log().emplace_back("create hash");
-    watchMemory(memory);
+    workMemory.emplace(memory, [] { log().emplace_back("memory freed"); });
     return BCryptCreateHash(provider, hash, memory, bytes, secret, secretBytes, flags);
 }
 NTSTATUS WINAPI destroyHash(BCRYPT_HASH_HANDLE hash) {
@@ -31,7 +36,7 @@ protected:
         writeFile(file, "abc");
     }
     ~DigestTrace() override {
-        watchMemory(nullptr);
+        workMemory.reset();
     }
     Replaced<decltype(traced_BCryptCreateHash)> creating{traced_BCryptCreateHash, createHash};
     Replaced<decltype(traced_BCryptDestroyHash)> destroying{traced_BCryptDestroyHash, destroyHash};

@@ -1,8 +1,5 @@
 #include "tests/traces/traced_calls.h"
 
-#include <cstdlib>
-#include <new>
-
 // The copy of the platform finds the pointers where an import table would have been, or, of the calls that its headers
 // do not declare as imported, jumps through them.
 #define KVN_DEFINE_TRACED(call) decltype(&::call) traced_##call = &::call;
@@ -14,34 +11,9 @@ KVN_TRACED_CALLS(KVN_DEFINE_TRACED, KVN_DEFINE_TRACED)
 KVN_TRACED_CALLS(KVN_NOTHING, KVN_DEFINE_JUMP)
 
 namespace vorthmere::update::traces {
-namespace {
-
-const void* watchedMemory = nullptr;
-
-}  // namespace
-
 Log& log() {
     static Log log;
     return log;
 }
 
-void watchMemory(const void* memory) {
-    watchedMemory = memory;
-}
-
-void noteFreeing(const void* memory) {
-    if (memory == nullptr || memory != watchedMemory) return;
-    watchedMemory = nullptr;
-    log().emplace_back("memory freed");
-}
-
 }  // namespace vorthmere::update::traces
-
-void operator delete(void* memory) noexcept {
-    vorthmere::update::traces::noteFreeing(memory);
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept {
-    operator delete(memory);
-}

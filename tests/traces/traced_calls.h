@@ -76,7 +76,4 @@ private:
 using Log = std::vector<std::string>;
 [[nodiscard]] Log& log();
 
-/// From now on the log also says when this memory is freed; null ends it.
-void watchMemory(const void* memory);
-
 }  // namespace vorthmere::update::traces
