@@ -12,8 +12,9 @@ constexpr std::string_view kStartFolder = "C:/";
 
 }  // namespace
 
-std::string FileSystem::currentFolder() const {
-    return currentFolderOf(caller);
+std::string_view FileSystem::currentFolder() const {
+    const auto at = currentFolders_.find(caller);
+    return at == currentFolders_.end() ? kStartFolder : std::string_view(at->second);
 }
 
 std::string FileSystem::currentFolderOf(ProcessId process) const {
@@ -52,8 +53,8 @@ Error FileSystem::walk(const std::string& fullPath, std::size_t volumeLength, Li
             place.folder = kNoEntry;
             return error::pathNotFound;
         }
-        place.name = name;
         place.entry = disk.child(place.folder, name);
+        if (rest.empty()) place.name = name;
         if (place.entry == kNoEntry) {
             if (rest.empty()) return error::fileNotFound;
             place.folder = kNoEntry;

@@ -181,7 +181,7 @@ private:
     [[nodiscard]] bool isHeld(EntryId entry) const;
     [[nodiscard]] bool isAnyHeldBelow(EntryId folder) const;
     [[nodiscard]] bool isLocked(EntryId entry, HandleId by, std::uint64_t begin, std::uint64_t end) const;
-    [[nodiscard]] std::string currentFolder() const;
+    [[nodiscard]] std::string_view currentFolder() const;
 
     Error moveToOtherVolume(std::string_view from, std::string_view to, EntryId source);
     Error moveOnto(EntryId source, const Place& target);

@@ -13,6 +13,20 @@ constexpr char upperAscii(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
+/// For each byte, whether no name may hold it.
+constexpr std::array<bool, 256> kForbidden = [] {
+    std::array<bool, 256> forbidden{};
+    for (std::size_t c = 0; c < 0x20; ++c)
+        forbidden[c] = true;
+    for (const char c : std::string_view("<>:\"|?*"))
+        forbidden[static_cast<unsigned char>(c)] = true;
+    return forbidden;
+}();
+
+constexpr bool isForbidden(char c) {
+    return kForbidden[static_cast<unsigned char>(c)];
+}
+
 constexpr bool isAscii(char c) {
     return static_cast<unsigned char>(c) < 0x80;
 }
@@ -41,6 +55,18 @@ void appendUpper(std::string& key, char first, char second) {
 
 bool isSeparator(char c) {
     return c == '/' || c == '\\';
+}
+
+/// True for "C:/Games/a.pak", which is its own full path: the usual case, told apart in one look.
+bool isFoldedAlready(std::string_view path) {
+    if (path.size() < 4 || path[1] != ':' || path[2] != '/') return false;
+    char before = ':';
+    for (const char c : path.substr(2)) {
+        const bool endsComponent = c == '/' && (before == '/' || before == '.');
+        if (c == '\\' || endsComponent || (c == '.' && before == '/')) return false;
+        before = c;
+    }
+    return before != '/' && before != '.' && before != ' ';
 }
 
 /// "C:" or "//server/share" at the start of a path with "/" alone.
@@ -136,10 +162,7 @@ std::string withSlashes(std::string_view path) {
 }
 
 Error nameError(std::string_view name) {
-    const auto isBad = [](char c) {
-        return static_cast<unsigned char>(c) < 0x20 || std::string_view("<>:\"|?*").find(c) != std::string_view::npos;
-    };
-    const bool isFine = std::none_of(name.begin(), name.end(), isBad) &&
+    const bool isFine = std::none_of(name.begin(), name.end(), isForbidden) &&
                         (name.size() <= kLongestName || utf16Length(name) <= kLongestName);
     return isFine ? error::none : error::invalidName;
 }
@@ -161,6 +184,11 @@ bool isDeviceName(std::string_view name, bool withExtension) {
 
 FullPath fullPathOf(std::string_view path, std::string_view currentFolder) {
     FullPath full;
+    if (isFoldedAlready(path)) {
+        full.text = path;
+        full.volumeLength = 2;
+        return full;
+    }
     std::string text = withSlashes(path);
     full.isExtended = text.starts_with("//?/");
     if (full.isExtended) {

@@ -1,8 +1,8 @@
 #include "tests/simulation/passage.h"
 
+#include <algorithm>
 #include <stdexcept>
-
-#include "tests/simulation/names.h"
+#include <type_traits>
 
 namespace vorthmere::update::simulation {
 namespace {
@@ -11,6 +11,15 @@ Gate* runningGate = nullptr;
 
 std::string ofUtf8(const std::u8string& text) {
     return {reinterpret_cast<const char*>(text.data()), text.size()};
+}
+
+/// The library knows UTF-8 natively on all platforms but Windows.
+template <typename Native>
+std::string utf8Of(const std::filesystem::path& path, const Native& native) {
+    if constexpr (std::is_same_v<Native, std::string>)
+        return native;
+    else
+        return ofUtf8(path.u8string());
 }
 
 std::u8string toUtf8Text(std::string_view text) {
@@ -37,10 +46,10 @@ bool isAnyRunning() {
     return runningGate != nullptr;
 }
 
-// The parent of "C:/Games" is "C:/" where the library knows drives, and "C:" elsewhere. Not the generic form: it has
-// only one of the separators that "//?/" and "//server/share" begin with.
+// The parent of "C:/Games" is "C:/" where the library knows drives, and "C:" elsewhere.
 std::string textOf(const std::filesystem::path& path) {
-    std::string text = withSlashes(ofUtf8(path.u8string()));
+    std::string text = utf8Of(path, path.native());
+    std::replace(text.begin(), text.end(), '\\', '/');
     if (text.size() == 2 && text[1] == ':') text.push_back('/');
     return text;
 }
