@@ -100,6 +100,9 @@ public:
                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS, nullptr));
         if (!handle) return GetLastError();
+        BY_HANDLE_FILE_INFORMATION facts{};
+        GetFileInformationByHandle(handle.get(), &facts);
+        if ((facts.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return ERROR_DIRECTORY;
         held_.push_back(std::move(handle));
         return 0;
     }
