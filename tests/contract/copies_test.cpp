@@ -18,6 +18,7 @@ TEST(CopyContract, CopiesAFile) {
         {"a file is not copied to a missing folder", "a", copying("a", "d/a"), 3},
         {"a folder is not copied", "d/", copying("d", "e"), 5},
         {"a file is not copied over a folder", "a d/", copying("a", "d"), 5},
+        {"a file is not copied to a new name that a folder has", "a d/", copying("a", "d", Overwrite::no), 5},
         {"a file is not copied onto itself", "a", copying("a", "a"), 32},
         {"a read-only file's copy is read-only", "!a", copying("a", "b"), 0, "!a=a !b=a"},
         {"a hidden file's copy is hidden", "~a", copying("a", "b"), 0, "~a=a ~b=a"},

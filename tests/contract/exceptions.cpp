@@ -69,6 +69,8 @@ constexpr WineException kExceptions[] = {
     {"a mapped file is not deleted", 0, "[]", kNoImages},
     {"a folder with an open file does not move", 0, "[e/ e/a=d/a]", "Unix moves folders whatever is open in them"},
     {"a folder's name has no more than 255 characters", 2, "[]", "Wine asks Unix, which finds no such file"},
+    {"a file is not copied to a new name that a folder has", 80, "[a=a d/]",
+     "Wine finds the name taken before it looks at what has it"},
     {"a file is no folder to list", 123, "", "Wine takes the error of a name that is none"},
 };
 

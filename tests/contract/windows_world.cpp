@@ -96,13 +96,13 @@ public:
     }
     // What a process has of its current folder is such a handle.
     std::uint32_t enter(const std::filesystem::path& folder) override {
+        const DWORD attributes = GetFileAttributesW(folder.c_str());
+        if (attributes == INVALID_FILE_ATTRIBUTES) return GetLastError();
+        if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return ERROR_DIRECTORY;
         OpenFile handle(CreateFileW(folder.c_str(), FILE_TRAVERSE | FILE_LIST_DIRECTORY | SYNCHRONIZE,
                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS, nullptr));
         if (!handle) return GetLastError();
-        BY_HANDLE_FILE_INFORMATION facts{};
-        GetFileInformationByHandle(handle.get(), &facts);
-        if ((facts.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return ERROR_DIRECTORY;
         held_.push_back(std::move(handle));
         return 0;
     }

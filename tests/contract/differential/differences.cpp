@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "tests/contract/differential/sides.h"
+#include "tests/simulation/names.h"
 
 namespace vorthmere::update::contract {
 namespace {
@@ -21,7 +22,8 @@ const std::string& targetOf(const Step& step) {
 }
 
 bool overwrites(const Step& step) {
-    return step.action == Action::write || step.action == Action::moveFile || step.action == Action::copyFile;
+    return step.action == Action::write || step.action == Action::moveFile || step.action == Action::copyFile ||
+           step.action == Action::hold;
 }
 
 bool isRefusedByWindowsAlone(const Comparison& step, std::uint32_t error) {
@@ -38,8 +40,18 @@ bool movesAnOpenFolder(const Comparison& step) {
     return step.step.action == Action::moveFile && isRefusedByWindowsAlone(step, 5) && source && source->isFolder();
 }
 
+std::string keyOfPath(const std::string& path) {
+    return simulation::keyOf(simulation::fullPathOf(ModelSide::full(path), "C:/").text);
+}
+
 bool movesBelowItself(const Comparison& step) {
-    return step.step.action == Action::moveFile && step.model.error == 32 && step.real.error == 87;
+    const bool bothRefuse = step.model.error != 0 && step.real.error != 0;
+    return step.step.action == Action::moveFile && bothRefuse &&
+           keyOfPath(step.step.second).starts_with(keyOfPath(step.step.path) + "/");
+}
+
+bool copiesToAFoldersName(const Comparison& step) {
+    return step.step.action == Action::copyToNew && step.model.error == 5 && step.real.error == 80;
 }
 
 bool deletesAMappedFile(const Comparison& step) {
@@ -73,7 +85,8 @@ constexpr Difference kDifferences[] = {
     {"hidden files are written over", "Wine does not look at the attribute",
      [](const Comparison& step) { return overwritesWith(step, simulation::attribute::hidden); }},
     {"folders move with open files", "Unix moves folders whatever is open in them", movesAnOpenFolder},
-    {"a folder moved below itself", "Wine tells Unix' reason", movesBelowItself},
+    {"folders moved below themselves", "Windows and Wine refuse it for different reasons", movesBelowItself},
+    {"a new copy by a folder's name", "Wine finds the name taken before it looks at what has it", copiesToAFoldersName},
     {"mapped files are deleted", "Wine looks at mapped programs, not at mapped data", deletesAMappedFile},
     {"listing a file", "Wine takes the error of a name that is none", listsAFile},
     {"locks do not keep off readers and writers", "Wine's locks keep off other locks", passesALock},

@@ -1,6 +1,7 @@
 #include "tests/contract/differential/steps.h"
 
 #include <array>
+#include <utility>
 
 namespace vorthmere::update::contract {
 namespace {
@@ -28,29 +29,47 @@ constexpr std::array<std::string_view, 12> kPaths = {"a",   "b",     "c",     "d
                                                      "d/e", "d/e/a", "d/e/f", "e/a", "e",   "name with blanks.txt"};
 constexpr std::array<std::string_view, 6> kOddPaths = {"a*", "d/a. .", "b.", "e?/a", "d/./../a", "a/b/c"};
 
+/// What most sequences begin with, so that they have something to work on.
+constexpr std::array<std::pair<Action, std::string_view>, 4> kBeginning{{
+    {Action::write, "a"},
+    {Action::createFolder, "d"},
+    {Action::write, "d/a"},
+    {Action::write, "d/b"},
+}};
+
 constexpr std::size_t kMostSteps = 40;
 constexpr std::size_t kOddsOfOtherCase = 12;
 constexpr std::size_t kOddsOfOddPath = 30;
 constexpr std::size_t kOddsOfLeavingOut = 5;
 
-/// Now and then a letter of the other case.
-std::string drawPath(Random& random) {
-    std::string path(random.below(kOddsOfOddPath) == 0 ? kOddPaths[random.below(kOddPaths.size())]
-                                                       : kPaths[random.below(kPaths.size())]);
+/// Often the sequence's favourite, so that its steps have to do with each other. Now and then a letter of the other
+/// case.
+std::string drawPath(Random& random, std::string_view favourite) {
+    std::string path(favourite);
+    if (random.below(kOddsOfOddPath) == 0)
+        path = kOddPaths[random.below(kOddPaths.size())];
+    else if (random.below(3) != 0)
+        path = kPaths[random.below(kPaths.size())];
     for (char& c : path)
         if (c >= 'a' && c <= 'z' && random.below(kOddsOfOtherCase) == 0) c = static_cast<char>(c - 'a' + 'A');
     return path;
 }
 
-Step drawStep(Random& random, const std::array<std::size_t, kActions>& weights, std::size_t sum) {
-    std::size_t at = random.below(sum);
+struct Habits {
+    std::array<std::size_t, kActions> weights{};
+    std::size_t sum = 0;
+    std::string_view favourite;
+};
+
+Step drawStep(Random& random, const Habits& habits) {
+    std::size_t at = random.below(habits.sum);
     std::size_t kind = 0;
-    while (at >= weights[kind])
-        at -= weights[kind++];
+    while (at >= habits.weights[kind])
+        at -= habits.weights[kind++];
     Step step;
     step.action = static_cast<Action>(kind);
-    step.path = drawPath(random);
-    step.second = drawPath(random);
+    step.path = drawPath(random, habits.favourite);
+    step.second = drawPath(random, habits.favourite);
     step.access = static_cast<unsigned>(random.below(8));
     // Half of the holders share all, or most steps after them would be refused.
     step.sharing = static_cast<unsigned>(random.below(2) == 0 ? 7 : random.below(8));
@@ -71,15 +90,22 @@ std::size_t Random::below(std::size_t count) {
 
 std::vector<Step> drawSteps(std::uint64_t seed) {
     Random random(seed);
-    std::array<std::size_t, kActions> weights{};
-    std::size_t sum = 0;
+    Habits habits;
+    habits.favourite = kPaths[random.below(kPaths.size())];
     for (std::size_t i = 0; i < kActions; ++i) {
         const bool isLeftOut = random.below(kOddsOfLeavingOut) == 0 && static_cast<Action>(i) != Action::write;
-        sum += weights[i] = isLeftOut ? 0 : kKinds[i].weight;
+        habits.weights[i] = isLeftOut ? 0 : kKinds[i].weight;
+        habits.sum += habits.weights[i];
     }
-    std::vector<Step> steps(1 + random.below(kMostSteps));
-    for (Step& step : steps)
-        step = drawStep(random, weights, sum);
+    std::vector<Step> steps;
+    if (random.below(3) != 0)
+        for (const auto& [action, path] : kBeginning) {
+            steps.emplace_back().action = action;
+            steps.back().path = path;
+        }
+    const std::size_t count = 1 + random.below(kMostSteps);
+    for (std::size_t i = 0; i < count; ++i)
+        steps.push_back(drawStep(random, habits));
     return steps;
 }
 
