@@ -30,16 +30,17 @@ std::size_t Disk::addVolume(Volume volume) {
     return volumes_.size() - 1;
 }
 
-std::vector<EntryId>::const_iterator Disk::place(EntryId folder, std::string_view name) const {
+std::vector<EntryId>::const_iterator Disk::place(EntryId folder, std::string_view key) const {
     const std::vector<EntryId>& children = entries_[folder].children;
-    return std::lower_bound(children.begin(), children.end(), name, [this](EntryId id, std::string_view wanted) {
-        return compareKey(entries_[id].key, wanted) < 0;
+    return std::lower_bound(children.begin(), children.end(), key, [this](EntryId id, std::string_view wanted) {
+        return std::string_view(entries_[id].key) < wanted;
     });
 }
 
 EntryId Disk::child(EntryId folder, std::string_view name) const {
-    const auto at = place(folder, name);
-    const bool isThere = at != entries_[folder].children.end() && compareKey(entries_[*at].key, name) == 0;
+    const FoldedName folded(name);
+    const auto at = place(folder, folded.key());
+    const bool isThere = at != entries_[folder].children.end() && entries_[*at].key == folded.key();
     return isThere ? *at : kNoEntry;
 }
 
@@ -50,7 +51,7 @@ void Disk::link(EntryId id, EntryId folder, std::string_view name) {
     entry.parent = folder;
     entry.isNamed = true;
     std::vector<EntryId>& children = entries_[folder].children;
-    children.insert(place(folder, name), id);
+    children.insert(place(folder, entry.key), id);
 }
 
 EntryId Disk::create(EntryId folder, std::string_view name, std::uint32_t attributes) {
@@ -68,7 +69,8 @@ EntryId Disk::create(EntryId folder, std::string_view name, std::uint32_t attrib
 
 void Disk::unlink(EntryId id) {
     entries_[id].isNamed = false;
-    std::erase(entries_[entries_[id].parent].children, id);
+    const EntryId folder = entries_[id].parent;
+    entries_[folder].children.erase(place(folder, entries_[id].key));
 }
 
 void Disk::rename(EntryId id, EntryId folder, std::string_view name) {

@@ -115,7 +115,7 @@ public:
     }
 
 private:
-    [[nodiscard]] std::vector<EntryId>::const_iterator place(EntryId folder, std::string_view name) const;
+    [[nodiscard]] std::vector<EntryId>::const_iterator place(EntryId folder, std::string_view key) const;
     void link(EntryId id, EntryId folder, std::string_view name);
 
     std::vector<Entry> entries_;

@@ -23,14 +23,6 @@ constexpr std::array<bool, 256> kForbidden = [] {
     return forbidden;
 }();
 
-constexpr bool isForbidden(char c) {
-    return kForbidden[static_cast<unsigned char>(c)];
-}
-
-constexpr bool isAscii(char c) {
-    return static_cast<unsigned char>(c) < 0x80;
-}
-
 /// The letters of two bytes in UTF-8 that have a capital one: of Latin-1, Greek and Cyrillic.
 std::uint32_t upperLetter(std::uint32_t letter) {
     if (letter >= 0xE0 && letter <= 0xFE && letter != 0xF7) return letter - 0x20;
@@ -131,15 +123,14 @@ std::string keyOf(std::string_view name) {
     return key;
 }
 
-int compareKey(std::string_view key, std::string_view name) {
-    if (!std::all_of(name.begin(), name.end(), isAscii)) return key.compare(keyOf(name));
-    const std::size_t common = std::min(key.size(), name.size());
-    for (std::size_t i = 0; i < common; ++i) {
-        const auto left = static_cast<unsigned char>(key[i]);
-        const auto right = static_cast<unsigned char>(upperAscii(name[i]));
-        if (left != right) return left < right ? -1 : 1;
+FoldedName::FoldedName(std::string_view name) {
+    bool isUsual = name.size() <= usual_.size();
+    for (std::size_t i = 0; isUsual && i < name.size(); ++i) {
+        isUsual = static_cast<unsigned char>(name[i]) < 0x80;
+        usual_[i] = upperAscii(name[i]);
     }
-    return key.size() == name.size() ? 0 : key.size() < name.size() ? -1 : 1;
+    if (!isUsual) unusual_ = keyOf(name);
+    key_ = isUsual ? std::string_view(usual_.data(), name.size()) : std::string_view(unusual_);
 }
 
 bool isSameName(std::string_view left, std::string_view right) {
@@ -162,9 +153,10 @@ std::string withSlashes(std::string_view path) {
 }
 
 Error nameError(std::string_view name) {
-    const bool isFine = std::none_of(name.begin(), name.end(), isForbidden) &&
-                        (name.size() <= kLongestName || utf16Length(name) <= kLongestName);
-    return isFine ? error::none : error::invalidName;
+    for (const char c : name)
+        if (kForbidden[static_cast<unsigned char>(c)]) return error::invalidName;
+    const bool isTooLong = name.size() > kLongestName && utf16Length(name) > kLongestName;
+    return isTooLong ? error::invalidName : error::none;
 }
 
 bool isDeviceName(std::string_view name, bool withExtension) {

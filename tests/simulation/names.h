@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -11,8 +12,24 @@ namespace vorthmere::update::simulation {
 /// A name as it is looked up: letters in upper case.
 [[nodiscard]] std::string keyOf(std::string_view name);
 
-/// Orders a key against a name that is not folded yet, byte by byte.
-[[nodiscard]] int compareKey(std::string_view key, std::string_view name);
+/// The same, kept where it is made: names are looked up more often than anything else is done.
+class FoldedName {
+public:
+    explicit FoldedName(std::string_view name);
+    FoldedName(const FoldedName&) = delete;
+    FoldedName& operator=(const FoldedName&) = delete;
+
+    [[nodiscard]] std::string_view key() const {
+        return key_;
+    }
+
+private:
+    static constexpr std::size_t kUsualBytes = 64;
+
+    std::array<char, kUsualBytes> usual_;  // deliberately not cleared
+    std::string unusual_;
+    std::string_view key_;
+};
 
 [[nodiscard]] bool isSameName(std::string_view left, std::string_view right);
 

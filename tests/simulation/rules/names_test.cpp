@@ -15,13 +15,17 @@ TEST(SimulatedNames, AreComparedWithoutRegardToCase) {
     EXPECT_FALSE(isSameName("data", "data1"));
     EXPECT_FALSE(isSameName("\xC3\xB7", "\xC3\x97"));  // the division sign is no small letter
     EXPECT_FALSE(isSameName("a_", "A^"));
-    EXPECT_LT(compareKey("A", "b"), 0);
-    EXPECT_GT(compareKey("B_", "b"), 0);
-    EXPECT_EQ(compareKey(keyOf("Stra\xC3\x9F"
-                               "e"),
-                         "stra\xC3\x9F"
-                         "e"),
-              0);
+    EXPECT_EQ(keyOf("Stra\xC3\x9F"
+                    "e_1"),
+              "STRA\xC3\x9F"
+              "E_1");
+}
+
+TEST(SimulatedNames, AreFoldedTheSameWayWhereverTheKeyIsKept) {
+    const std::string longName(100, 'x');
+    for (const std::string& name : {std::string("a_B.pak"), std::string(), longName, std::string(64, 'y'),
+                                    std::string(65, 'z'), std::string("\xC3\xA4"), longName + "\xC3\xA4"})
+        EXPECT_EQ(FoldedName(name).key(), keyOf(name)) << name;
 }
 
 TEST(SimulatedNames, AreRefusedWithLettersThatNoFileMayHave) {
