@@ -30,6 +30,9 @@ if(MINGW)
     # LLVM's linker, because GNU ld keeps every function that has unwind data, on this platform all of them: a quarter
     # of the program would be parts of the C++ library that nothing calls.
     target_compile_options(kvn_compiler_options INTERFACE -ffunction-sections -fdata-sections)
+    # The program waits for disk, network and archive tool; what it computes itself are the parsers of update/, which
+    # choose otherwise.
+    set(CMAKE_CXX_FLAGS_RELEASE "-Os -DNDEBUG")
     target_link_options(kvn_compiler_options INTERFACE
         -static -fstack-protector-strong
         "-B${CMAKE_CURRENT_LIST_DIR}/mingw_linker"

@@ -31,23 +31,25 @@ std::filesystem::path absolutePath(const std::filesystem::path& path) {
 std::filesystem::path weaklyCanonicalPath(const std::filesystem::path& path, std::error_code& failure) {
     failure.clear();
     if (path.empty()) return {};
+    // What is there is named as it is: folding its path would drop a last dot, and make a device of "NUL .txt".
+    if (const FileHandle file = openForItsName(path, failure)) return finalPath(file, failure);
+    if (!isNotFound(failure)) return {};
     // The system folds "." and "..": path::lexically_normal() takes one of the two backslashes with which the path of a
     // network folder begins, where the library does not know such paths.
     std::filesystem::path whole = fullPath(path, failure);
     if (failure) return {};
     std::filesystem::path existing = whole;
     std::filesystem::path rest;
-    while (!existing.empty()) {
-        const FileHandle file = openForItsName(existing, failure);
-        if (file) {
-            // Whatever this fails with, the folder is there: for a volume without a letter it is "path not found".
-            const std::filesystem::path resolved = finalPath(file, failure);
-            return rest.empty() || failure ? resolved : resolved / rest;
-        }
-        if (!isNotFound(failure)) return {};
-        if (isRoot(existing)) break;
+    while (!isRoot(existing)) {
         rest = rest.empty() ? existing.filename() : existing.filename() / rest;
         existing = existing.parent_path();
+        // Whatever the name of an open folder fails with, the folder is there: for a volume without a letter it is
+        // "path not found".
+        if (const FileHandle file = openForItsName(existing, failure)) {
+            const std::filesystem::path resolved = finalPath(file, failure);
+            return failure ? resolved : resolved / rest;
+        }
+        if (!isNotFound(failure)) return {};
     }
     failure.clear();
     return whole;

@@ -20,7 +20,7 @@ std::error_code removeEntry(const std::filesystem::path& path, RemoveCall remove
     return setAttributes(path, attributes) ? refusal : remove(path);
 }
 
-std::error_code absenceOf(const std::filesystem::path& path) {
+std::error_code whyAbsent(const std::filesystem::path& path) {
     std::error_code failure;
     static_cast<void>(entryAttributes(path, failure));
     return failure;
@@ -30,9 +30,9 @@ std::error_code absenceOf(const std::filesystem::path& path) {
 /// have removed the folder with all that it held, but a path that is too long for the system gives it as well.
 bool hasVanished(const std::filesystem::path& entry, const std::error_code& reason) {
     if (reason != WindowsError::pathNotFound) return reason == WindowsError::fileNotFound;
-    const std::error_code absence = absenceOf(entry);
+    const std::error_code absence = whyAbsent(entry);
     if (absence != WindowsError::pathNotFound) return absence == WindowsError::fileNotFound;
-    return isNotFound(absenceOf(entry.parent_path()));
+    return isNotFound(whyAbsent(entry.parent_path()));
 }
 
 std::error_code removeListed(const std::filesystem::path& path, EntryAttributes attributes);
@@ -49,7 +49,9 @@ std::error_code removeContent(const std::filesystem::path& folder) {
 std::error_code removeListed(const std::filesystem::path& path, EntryAttributes attributes) {
     std::error_code failure;
     if (attributes.isFolder() && !attributes.isReparsePoint()) failure = removeContent(path);
-    if (!failure) failure = removeEntry(path, attributes.isFolder() ? removeEmptyFolder : deleteFile);
+    // A folder that is said to be gone is removed all the same: if it is still there, and not empty, that fails.
+    if (!failure || hasVanished(path, failure))
+        failure = removeEntry(path, attributes.isFolder() ? removeEmptyFolder : deleteFile);
     return failure && hasVanished(path, failure) ? std::error_code() : failure;
 }
 
@@ -69,6 +71,11 @@ std::error_code createFolders(const std::filesystem::path& folder, std::vector<s
     // Whatever the reason given, a folder that is there is what was asked for; one that leads to a file is not.
     std::error_code unknown;
     return fileType(folder, unknown) == FileType::directory ? std::error_code() : failure;
+}
+
+std::error_code createFolders(const std::filesystem::path& folder) {
+    std::vector<std::filesystem::path> created;
+    return createFolders(folder, created);
 }
 
 std::error_code removeFile(const std::filesystem::path& file) {

@@ -13,6 +13,7 @@ namespace vorthmere::update {
 /// @param created receives, at its end, each folder that this call created, parents first; also on failure
 [[nodiscard]] std::error_code createFolders(const std::filesystem::path& folder,
                                             std::vector<std::filesystem::path>& created);
+[[nodiscard]] std::error_code createFolders(const std::filesystem::path& folder);
 
 /// Removes one file, also a read-only one. A missing file is no failure.
 [[nodiscard]] std::error_code removeFile(const std::filesystem::path& file);

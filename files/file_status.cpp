@@ -37,6 +37,16 @@ FileType fileTypeOrThrow(const std::filesystem::path& path, const char* operatio
     return type;
 }
 
+FileType fileTypeBelowOrThrow(const std::filesystem::path& folder, const std::filesystem::path& relativePath,
+                              const char* operation) {
+    const FileType type = fileTypeOrThrow(folder / relativePath, operation);
+    if (type != FileType::notFound) return type;
+    std::error_code failure;
+    static_cast<void>(entryAttributes(folder, failure));
+    if (failure) throw std::filesystem::filesystem_error(operation, folder, failure);
+    return type;
+}
+
 FileType entryType(const std::filesystem::path& path, std::error_code& failure) {
     const EntryFacts facts = entryFacts(path, failure);
     if (failure) return classifyFailure(failure);
@@ -45,7 +55,8 @@ FileType entryType(const std::filesystem::path& path, std::error_code& failure) 
 
 std::uint64_t fileSize(const std::filesystem::path& path, std::error_code& failure) {
     const EntryFacts facts = factsFollowingLinks(path, failure);
-    if (!failure && facts.attributes.isFolder()) failure = std::make_error_code(std::errc::is_a_directory);
+    if (!failure && classify(facts.attributes) != FileType::regular)
+        failure = std::make_error_code(std::errc::not_supported);
     return failure ? 0 : facts.size;
 }
 

@@ -23,6 +23,11 @@ enum class FileType {
 /// Like fileType(), but throws a hard error as std::filesystem::filesystem_error with the given operation name.
 [[nodiscard]] FileType fileTypeOrThrow(const std::filesystem::path& path, const char* operation);
 
+/// Like fileTypeOrThrow() for a path below a folder that must be there: where the folder itself is gone, its volume was
+/// taken away, say, nothing is known about what it held, and that is a hard error of the folder.
+[[nodiscard]] FileType fileTypeBelowOrThrow(const std::filesystem::path& folder,
+                                            const std::filesystem::path& relativePath, const char* operation);
+
 /// The type of a directory entry itself: a symbolic link or junction is FileType::other, wherever it leads.
 [[nodiscard]] FileType entryType(const std::filesystem::path& path, std::error_code& failure);
 

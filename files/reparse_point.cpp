@@ -6,7 +6,7 @@ namespace vorthmere::update {
 
 bool isReparsePoint(const std::filesystem::path& path) {
     std::error_code failure;
-    return entryAttributes(path, failure).isReparsePoint() && !failure;
+    return entryAttributes(path, failure).isReparsePoint();
 }
 
 bool isFreeOfReparsePoints(const std::filesystem::path& rootFolder, std::string_view relativePath) {

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "install/command_line_quoting.h"
+#include "platform/failure.h"
 #include "platform/programs.h"
 #include "update/failing.h"
 #include "update/limits.h"
@@ -43,9 +44,11 @@ bool runArchiveTool(const std::filesystem::path& toolPath, const std::vector<std
     const ProcessHandle process =
         startCaptured(toolPath, buildCommandLine(toolPath, arguments), workingFolder, pipe.writeEnd, failure);
     pipe.writeEnd.reset();
-    if (failure)
+    if (failure) {
+        pipe.readEnd.reset();
         return fail(error,
-                    L"Unable to start the Windows archive tool (error " + std::to_wstring(failure.value()) + L").");
+                    L"Unable to start the Windows archive tool (error " + std::to_wstring(lastErrorNumber()) + L").");
+    }
 
     output.clear();
     if (!drain(pipe.readEnd, output)) {

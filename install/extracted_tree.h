@@ -16,8 +16,7 @@ using ExtractedFiles = std::set<std::string, std::less<>>;
 /// @param error          receives "The extracted update contains an unsafe path.", "The update archive contains an
 ///                       unsupported file type.", or "Unable to inspect the extracted update."
 /// @return true when nothing unsafe was found. A reparse point ends the walk early and successfully: the files beyond
-/// it
-///         are then missing from the set, which the comparison with the managed-file list finds.
+///         it are then missing from the set, which the comparison with the managed-file list finds.
 [[nodiscard]] bool inspectExtractedTree(const std::filesystem::path& stagingFolder, ExtractedFiles& extractedFiles,
                                         std::wstring& error);
 

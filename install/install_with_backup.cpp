@@ -10,6 +10,7 @@
 #include "files/file_status.h"
 #include "files/reparse_point.h"
 #include "platform/changes.h"
+#include "platform/failure.h"
 #include "update/failing.h"
 
 namespace vorthmere::update {
@@ -32,8 +33,8 @@ bool moveBetween(const std::filesystem::path& from, const std::filesystem::path&
     return !moveFile(from / path, to / path);
 }
 
-/// Makes the parent folders of files below one folder. Neighbours in a list mostly share theirs, and the platform takes
-/// as long to find a folder there as to make it: what was made for the last file is not asked for again.
+/// Creates the parent folders of files below one folder. Neighbours in a list mostly share a parent, and finding a folder
+/// takes the system as long as creating one, so the last parent is not tried again.
 class ParentFolders {
 public:
     /// @param made receives the folders that were not there before
@@ -63,24 +64,33 @@ bool vacate(Installation& installation, const Paths& pathsToVacate, const Paths&
         if (!isFreeOfReparsePoints(installation.folder, path))
             return fail(error, L"The installation contains a reparse point in a managed path.");
         const std::filesystem::path installed = installation.folder / path;
-        if (fileTypeOrThrow(installed, "exists") == FileType::notFound) continue;
+        if (fileTypeBelowOrThrow(installation.folder, path, "exists") == FileType::notFound) continue;
         if (fileTypeOrThrow(installed, "status") != FileType::regular)
             return fail(error, L"A managed installation path is not a regular file.");
         if (!backupFolders.create(path)) return fail(error, L"Unable to prepare the update backup.");
+        // Noted before it is tried: a move over a network may take effect and report a failure all the same. Moving back
+        // what never left fails and harms nothing.
+        installation.backedUp.emplace_back(path);
         if (!moveBetween(installation.folder, installation.backup, path))
             return fail(error, L"Unable to back up the current installation.");
-        installation.backedUp.emplace_back(path);
     }
     return true;
+}
+
+/// Whether a move that failed moved the file all the same, as may happen over a network. What else is at the target then
+/// is not ours to take back.
+bool tookEffect(const std::error_code& failure, const std::filesystem::path& source) {
+    std::error_code unknown;
+    return !isNotFound(failure) && fileType(source, unknown) == FileType::notFound;
 }
 
 bool moveIn(Installation& installation, const Paths& pathsToInstall, std::wstring& error) {
     ParentFolders installedFolders(installation.folder, installation.madeFolders);
     for (const std::string& path : pathsToInstall) {
         if (!installedFolders.create(path)) return fail(error, L"Unable to prepare an updated installation folder.");
-        if (!moveBetween(installation.source, installation.folder, path))
-            return fail(error, L"Unable to install an updated game file.");
-        installation.installed.push_back(path);
+        const std::error_code failure = moveFile(installation.source / path, installation.folder / path);
+        if (!failure || tookEffect(failure, installation.source / path)) installation.installed.push_back(path);
+        if (failure) return fail(error, L"Unable to install an updated game file.");
     }
     return true;
 }

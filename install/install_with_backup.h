@@ -6,7 +6,8 @@
 
 namespace vorthmere::update {
 
-/// Moves the managed files of the installation aside and the new ones in, or leaves all as it was.
+/// Moves the managed files of the installation aside and the new ones in. After a failure, moves everything back as far
+/// as the system lets it.
 ///
 /// @param installationFolder absolute, canonical folder of the installation
 /// @param sourceFolder       holds each path to install at the same relative place

@@ -34,7 +34,7 @@ struct EntryAttributes {
 
 struct EntryFacts {
     EntryAttributes attributes;
-    std::uint64_t size = 0;  ///< bytes; 0 for a folder
+    std::uint64_t size = 0;  ///< bytes; means nothing for a folder
 };
 
 struct FolderEntry {
@@ -42,7 +42,7 @@ struct FolderEntry {
     EntryAttributes attributes;
 };
 
-/// The attributes of an entry itself (GetFileAttributesW). They can be read whoever holds the file.
+/// The attributes of an entry itself (GetFileAttributesW); none after a failure. They can be read whoever holds the file.
 [[nodiscard]] EntryAttributes entryAttributes(const std::filesystem::path& path, std::error_code& failure);
 
 /// The same with the size (GetFileAttributesExW).

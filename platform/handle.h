@@ -6,7 +6,7 @@ namespace vorthmere::update {
 
 /// Owns one handle and closes it at the end of its life.
 ///
-/// `Traits` names the handle's type (`Type`), the value that stands for "none" (`none()`), and how to close one
+/// `Traits` names the handle's type (`Type`), the value that means "none" (`none()`), and how to close one
 /// (`close(Type)`). Storing a handle closes the one that was held before.
 template <typename Traits>
 class UniqueHandle {

@@ -11,7 +11,7 @@ namespace vorthmere::update {
 void closeInternetHandle(void* handle) noexcept;
 
 /// A session, a connection or a request of the system's HTTP client (WinHTTP, synchronous). After a failed call
-/// lastFailure() tells why.
+/// lastErrorNumber() tells why.
 using InternetHandle = UniqueHandle<OpaqueHandleTraits<closeInternetHandle>>;
 
 /// The parts of an address that a request needs.

@@ -27,9 +27,9 @@ struct Pipe {
 
 /// Starts a program hidden, with its standard output and standard error going into a pipe (CreateProcessW).
 ///
-/// @param program       full path
+/// @param program       full path; like the next two in its plain form, which the system limits to 259 characters
 /// @param commandLine   the whole of it, the program's name quoted in front
-/// @param workingFolder exists
+/// @param workingFolder exists; of 258 characters at most, whatever the machine's settings: else error 267
 /// @param output        write end of a pipe; still the caller's afterwards
 /// @return the process, empty after a failure
 [[nodiscard]] ProcessHandle startCaptured(const std::filesystem::path& program, std::wstring commandLine,

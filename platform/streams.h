@@ -29,6 +29,10 @@ using FileHandle = UniqueHandle<OpaqueHandleTraits<closeFileHandle>>;
 /// Writes all of `size` bytes (WriteFile); less than all of them is a failure.
 [[nodiscard]] std::error_code writeBytes(const FileHandle& file, const void* bytes, std::size_t size);
 
+/// Waits until the content of an existing file is on the disk (CreateFileW, FlushFileBuffers). Renames reach the disk in
+/// order, content does not: after a power loss a file may be in its place and hold nothing but zeros.
+[[nodiscard]] std::error_code flushFile(const std::filesystem::path& file);
+
 /// Closes a file and tells whether that worked: a network share reports here what it could not store.
 [[nodiscard]] std::error_code closeFile(FileHandle file);
 

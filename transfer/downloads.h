@@ -25,7 +25,7 @@ using ChunkSink = std::function<bool(const char* bytes, std::uint64_t count)>;
 /// Downloads to a file, which is created or truncated.
 ///
 /// @param url      https address
-/// @param path     the file; on success it holds exactly the body, a failed download may leave a part of it behind
+/// @param path     the file; on success it holds exactly the body, a failed download may leave a part of it
 /// @param maxBytes largest accepted body, in bytes; the file never grows past it
 /// @param progress called between reads; may be empty
 /// @param error    receives the sentence of a failure: of the request, of the body, "Unable to create the temporary

@@ -11,15 +11,14 @@ constexpr StepRange kRange = timetable::fetchingChangedFiles;
 
 void FetchProgress::reportFile(std::uint64_t number, std::uint64_t bytesDone) const {
     const std::uint64_t base = bytes_ == 0 ? 0 : bytesDone * kRange.span / bytes_;
-    reportProgress(
-        progress_,
-        L"Downloading changed files (" + std::to_wstring(number) + L" of " + std::to_wstring(files_) + L")...",
-        kRange.first + static_cast<std::uint32_t>(base));
+    const std::wstring count = std::to_wstring(number) + L" of " + std::to_wstring(files_);
+    reportProgress(progress_, std::wstring(kRange.text) + L" (" + count + L")...",
+                   kRange.first + static_cast<std::uint32_t>(base));
 }
 
 void FetchProgress::reportBytes(std::uint64_t bytesDone) const {
     const std::uint64_t percent = bytes_ == 0 ? 100 : bytesDone * 100 / bytes_;
-    reportProgress(progress_, L"Downloading changed files... " + std::to_wstring(percent) + L"%",
+    reportProgress(progress_, std::wstring(kRange.text) + L"... " + std::to_wstring(percent) + L"%",
                    kRange.first + static_cast<std::uint32_t>(percent * kRange.span) / 100);
 }
 

@@ -11,7 +11,7 @@ constexpr const wchar_t* kNoCacheHeader = L"Cache-Control: no-cache\r\n";
 constexpr InternetTimeouts kTimeouts{.resolve = 2500, .connect = 2500, .send = 3000, .receive = 5000};
 constexpr std::uint32_t kStatusOk = 200;
 
-/// What is asked of the host: path and query, unchanged.
+/// What the host is asked for: path and query, unchanged.
 std::wstring objectNameOf(const InternetAddress& address) {
     const std::wstring name = address.path + address.extraInfo;
     return name.empty() ? L"/" : name;
@@ -20,8 +20,8 @@ std::wstring objectNameOf(const InternetAddress& address) {
 }  // namespace
 
 std::wstring withWindowsError(std::wstring_view text) {
-    const std::error_code failure = lastFailure();
-    return std::wstring(text) + L" (Windows error " + std::to_wstring(failure.value()) + L")";
+    const std::uint32_t number = lastErrorNumber();
+    return std::wstring(text) + L" (Windows error " + std::to_wstring(number) + L")";
 }
 
 bool openHttpsRequest(std::wstring_view address, InternetHandle& session, InternetHandle& connection,

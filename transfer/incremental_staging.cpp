@@ -1,6 +1,5 @@
 #include "transfer/incremental_staging.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <set>
 #include <system_error>
@@ -98,12 +97,10 @@ bool stageFiles(const Arguments& arguments, const std::vector<InventoryEntry>& e
                 const std::filesystem::path& stagingFolder, const ProgressCallback& progress,
                 IncrementalTransfer& transfer, std::wstring& error) {
     ObjectFetcher fetcher(arguments, plan, transfer, progress);
-    std::vector<std::filesystem::path> createdFolders;
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const InventoryEntry& entry = entries[i];
         const std::filesystem::path target = stagingFolder / entry.path;
-        if (createFolders(target.parent_path(), createdFolders))
-            return fail(error, L"Unable to prepare an updated file folder.");
+        if (createFolders(target.parent_path())) return fail(error, L"Unable to prepare an updated file folder.");
         if (plan.reuse[i]) {
             if (copyFile(arguments.install / entry.path, target, Overwrite::no))
                 return fail(error, L"Unable to reuse an installed file.");

@@ -6,7 +6,7 @@ namespace vorthmere::update {
 
 /// How the program ends. A number never changes its meaning, and one that is no longer used is never used again.
 enum class ExitCode : int {
-    noOutcome = -1,  ///< the window closed before the run had ended
+    noOutcome = -1,  ///< the window closed without an outcome
     done = 0,        ///< updated, or already current
     commandLineRejected = 2,
     windowClassNotRegistered = 3,

@@ -17,7 +17,7 @@ namespace vorthmere::update {
 
 /// Takes the next line off `remaining`, up to the next line feed or the end.
 ///
-/// @param remaining the text not yet consumed; afterwards it starts behind the line feed, or is empty
+/// @param remaining the text not yet consumed; afterwards it starts after the line feed, or is empty
 /// @return the line without its line feed and without one carriage return before it
 std::string_view nextLine(std::string_view& remaining);
 

@@ -6,7 +6,7 @@
 namespace vorthmere::update {
 
 void reportProgress(const ProgressCallback& progress, std::wstring text, std::uint32_t percent) {
-    if (progress) progress(std::move(text), std::min<std::uint32_t>(percent, 100));
+    if (progress) progress(std::move(text), std::min(percent, kWholePercent));
 }
 
 void reportStep(const ProgressCallback& progress, const Step& step) {

@@ -10,7 +10,7 @@ namespace vorthmere::update {
 inline constexpr std::string_view kInventoryName = "inventory.txt";
 inline constexpr std::string_view kTransferReportName = "transfer.txt";
 
-/// Where one run keeps its files: everything lies in the work folder inside the installation, on its volume.
+/// Where one run keeps its files: in the work folder inside the installation, and so on the same volume.
 struct WorkFolder {
     explicit WorkFolder(const std::filesystem::path& install)
         : folder(install / kWorkFolderName),

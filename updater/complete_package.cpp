@@ -18,8 +18,8 @@ namespace {
 
 ExitCode downloadPackage(const Manifest& manifest, const std::filesystem::path& package, std::wstring& error,
                          const ProgressCallback& progress) {
-    reportProgress(progress, L"Downloading Kelvane " + widen(manifest.version) + L"...",
-                   timetable::downloadingPackage.first);
+    const std::wstring text = std::wstring(timetable::downloadingRelease) + widen(manifest.version) + L"...";
+    reportProgress(progress, text, timetable::downloadingPackage.first);
     if (downloadHttpsFile(widen(manifest.url), package, manifest.size, downloadProgress(manifest, progress), error))
         return ExitCode::done;
     return ExitCode::downloadFailed;

@@ -8,6 +8,7 @@
 #include "install/relaunch.h"
 #include "platform/failure.h"
 #include "platform/programs.h"
+#include "platform/streams.h"
 #include "update/failing.h"
 #include "update/managed_file_list.h"
 
@@ -58,10 +59,12 @@ ExitCode handOver(const Arguments& arguments, const WorkFolder& work, std::wstri
     reportStep(progress, timetable::waitingForGame);
     if (!waitForGame(arguments.parentProcessId, error)) return ExitCode::gameStillRunning;
 
-    std::vector<std::filesystem::path> created;
-    const std::error_code failure = createFolders(work.backup, created);
+    const std::error_code failure = createFolders(work.backup);
     reportStep(progress, timetable::installing);
     if (failure) return ExitCode::installationFailed;
+    // The one file without which no later update could mend what a power loss left. A disk that cannot be flushed is no
+    // reason to stop.
+    static_cast<void>(flushFile(work.staging / kManagedFileListName));
     if (!installWithBackup(arguments.install, work.staging, work.backup, installedList, newList, error))
         return ExitCode::installationFailed;
 

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "update/exit_code.h"
+#include "updater/abnormal_end.h"
 #include "updater/command_line.h"
 #include "updater/progress_window.h"
 #include "updater/update_run.h"
@@ -28,13 +29,6 @@ struct LocalMemoryDeleter {
         LocalFree(memory);
     }
 };
-
-// Whatever ends the program without a result: the C library would show a message box first, which no error mode keeps
-// away, and the run would wait for somebody to close it.
-void endAbnormally() noexcept {
-    static_assert(kAbnormalExitCode == STATUS_FATAL_APP_EXIT);
-    TerminateProcess(GetCurrentProcess(), kAbnormalExitCode);
-}
 
 void initialiseProgressBar() {
     const INITCOMMONCONTROLSEX classes{sizeof(classes), ICC_PROGRESS_CLASS};

@@ -96,7 +96,7 @@ void createContents(WindowState& state, HINSTANCE instance) {
     setFont(state.banner, state.titleFont);
     for (const HWND control : {state.status, state.detail, state.closeButton})
         setFont(control, state.bodyFont);
-    SendMessageW(state.progressBar, PBM_SETRANGE32, 0, timetable::done.percent);
+    SendMessageW(state.progressBar, PBM_SETRANGE32, 0, kWholePercent);
     SendMessageW(state.progressBar, PBM_SETBARCOLOR, 0, kBarColour);
     SendMessageW(state.progressBar, PBM_SETBKCOLOR, 0, kBarBackgroundColour);
 }
@@ -127,7 +127,7 @@ void showSuccess(const WindowState& state) {
     SetTimer(state.window, kCloseTimer, kCloseDelayMs, nullptr);
 }
 
-// The button lies over the right end of the detail text, so the text comes first: what is drawn last stays visible.
+// The button covers the right end of the detail text, so the text is set first: what is drawn last stays visible.
 void showFailure(const WindowState& state) {
     SetWindowTextW(state.status, L"Update could not be completed.");
     const std::wstring detail = state.outcomeText + L"\nYour previous installation was left in place or restored.";

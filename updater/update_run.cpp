@@ -13,6 +13,7 @@
 #include "update/limits.h"
 #include "update/manifest.h"
 #include "update/metadata_file.h"
+#include "update/release_channel.h"
 #include "update/text.h"
 #include "update/work_folder.h"
 #include "updater/complete_package.h"
@@ -35,14 +36,15 @@ ExitCode finishCurrent(const Arguments& arguments, std::wstring& error, const Pr
     return ExitCode::done;
 }
 
-/// Removes a folder and makes it, or one below it, anew. False also when there was nothing to make: then somebody else
-/// made it meanwhile.
-bool makeAnew(const std::filesystem::path& toRemove, const std::filesystem::path& toMake) {
+/// Removes a folder and makes it anew, with one below it or alone. False also when one of the two need not be made: then
+/// the removal did not work, whatever the system said, or somebody else made it meanwhile.
+bool makeAnew(const std::filesystem::path& folder, const std::filesystem::path& innermost) {
     std::vector<std::filesystem::path> created;
-    return !removeTree(toRemove) && !createFolders(toMake, created) && !created.empty();
+    return !removeTree(folder) && !createFolders(innermost, created) && !created.empty() && created.front() == folder &&
+           created.back() == innermost;
 }
 
-// The test for a reparse point stands before the removal, so that a junction planted as the work folder never leads the
+// The test for a reparse point comes before the removal, so that a junction planted as the work folder cannot lead the
 // removal elsewhere.
 ExitCode prepareWorkFolder(const WorkFolder& work, std::wstring& error) {
     if (isReparsePoint(work.folder)) {

@@ -16,8 +16,8 @@ namespace vorthmere::update {
 /// @throws std::filesystem::filesystem_error when the status of the installation folder or of a managed path cannot be
 ///         told
 ///
-/// The installed game is untouched until everything about the new release is proven; from then on it is either the new
-/// release or, after a failure, the previous one again. Runs on one thread and must not run twice at the same time on
+/// The installed game is untouched until everything about the new release is proven. From then on it is the new release
+/// or, after a failure, the previous one again, unless a second failure hits the way back. Runs on one thread and must not run twice at the same time on
 /// one installation.
 [[nodiscard]] int runUpdate(Arguments arguments, std::wstring& error, const ProgressCallback& progress);
 

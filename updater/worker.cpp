@@ -1,23 +1,29 @@
 #include "updater/worker.h"
 
+#include <exception>
 #include <memory>
 #include <string>
 #include <utility>
 
+#include "updater/abnormal_end.h"
 #include "updater/posted_record.h"
 #include "updater/update_run.h"
 
 namespace vorthmere::update {
 
 void runWorker(Arguments arguments, HWND window) noexcept {
+    // Some C libraries keep a handler for each thread.
+    std::set_terminate(endAbnormally);
     auto outcome = std::make_unique<OutcomeRecord>();
     outcome->code = runUpdate(std::move(arguments), outcome->text, progressPoster(window));
     postRecord(window, std::move(outcome));
 }
 
 ProgressCallback progressPoster(HWND window) {
-    return [window](std::wstring text, std::uint32_t percent) {
-        postRecord(window, std::make_unique<ProgressRecord>(ProgressRecord{std::move(text), percent}));
+    return [window, shown = ProgressRecord()](std::wstring text, std::uint32_t percent) mutable {
+        if (text == shown.text && percent == shown.percent) return;
+        ProgressRecord step{std::move(text), percent};
+        if (postRecord(window, std::make_unique<ProgressRecord>(step))) shown = std::move(step);
     };
 }
 

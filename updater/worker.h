@@ -11,10 +11,11 @@ namespace vorthmere::update {
 ///
 /// This is the body of the worker thread. It shares nothing with the window's thread but the records that it posts, and
 /// it never waits for the window. A record that cannot be posted is lost; nothing is sent again. The run cannot be
-/// cancelled. An exception that escapes it ends the process.
+/// cancelled. An exception that escapes it ends the process with kAbnormalExitCode.
 void runWorker(Arguments arguments, HWND window) noexcept;
 
-/// The callback that posts every step to `window` as a ProgressRecord.
+/// The callback that posts every step to `window` as a ProgressRecord, unless the window would show the same as before:
+/// a queue takes 10,000 messages, a download comes in many more pieces, and what follows a full queue is lost.
 [[nodiscard]] ProgressCallback progressPoster(HWND window);
 
 }  // namespace vorthmere::update

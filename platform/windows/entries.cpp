@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/windows/system_path.h"
 #include "platform/windows/windows_result.h"
 
 namespace vorthmere::update {
@@ -43,26 +44,18 @@ std::wstring askForText(const Ask& ask, std::error_code& failure) {
     }
 }
 
-/// The system reports final paths in the "\\?\" form, which not every other call takes.
-std::wstring withoutLongPathPrefix(std::wstring path) {
-    constexpr std::wstring_view localPrefix = L"\\\\?\\";
-    constexpr std::wstring_view networkPrefix = L"\\\\?\\UNC\\";
-    if (path.starts_with(networkPrefix)) return L"\\\\" + path.substr(networkPrefix.size());
-    if (path.starts_with(localPrefix)) return path.substr(localPrefix.size());
-    return path;
-}
-
 }  // namespace
 
 EntryAttributes entryAttributes(const std::filesystem::path& path, std::error_code& failure) {
-    const DWORD attributes = GetFileAttributesW(path.c_str());
+    const SystemPath systemPath(path);
+    const DWORD attributes = GetFileAttributesW(systemPath.text());
     failure = resultOf(attributes != INVALID_FILE_ATTRIBUTES);
     return {failure ? 0 : attributes};
 }
 
 EntryFacts entryFacts(const std::filesystem::path& path, std::error_code& failure) {
     WIN32_FILE_ATTRIBUTE_DATA data{};
-    failure = resultOf(GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data));
+    failure = resultOf(GetFileAttributesExW(SystemPath(path).text(), GetFileExInfoStandard, &data));
     return {{data.dwFileAttributes}, joinHalves(data.nFileSizeHigh, data.nFileSizeLow)};
 }
 
@@ -78,8 +71,9 @@ std::vector<FolderEntry> listFolder(const std::filesystem::path& folder, std::er
     failure.clear();
     std::vector<FolderEntry> entries;
     WIN32_FIND_DATAW found{};
-    const FindHandle search(FindFirstFileExW((folder / L"*").c_str(), FindExInfoBasic, &found, FindExSearchNameMatch,
-                                             nullptr, FIND_FIRST_EX_LARGE_FETCH));
+    const SystemPath pattern(folder / L"*");
+    const FindHandle search(FindFirstFileExW(pattern.text(), FindExInfoBasic, &found, FindExSearchNameMatch, nullptr,
+                                             FIND_FIRST_EX_LARGE_FETCH));
     if (!search) {
         // The root of a drive has no "." entry, so that an empty one is reported as a missing file.
         if (GetLastError() != ERROR_FILE_NOT_FOUND) failure = lastFailure();
@@ -99,15 +93,16 @@ std::filesystem::path fullPath(const std::filesystem::path& path, std::error_cod
 }
 
 FileHandle openForItsName(const std::filesystem::path& path, std::error_code& failure) {
+    const SystemPath systemPath(path);
     const HANDLE file =
-        CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+        CreateFileW(systemPath.text(), FILE_READ_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     failure = resultOf(file != INVALID_HANDLE_VALUE);
     return FileHandle(failure ? nullptr : file);
 }
 
 std::filesystem::path finalPath(const FileHandle& file, std::error_code& failure) {
-    return withoutLongPathPrefix(askForText(
+    return withoutExtendedPrefix(askForText(
         [&file](wchar_t* text, DWORD size) {
             return GetFinalPathNameByHandleW(file.get(), text, size, FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
         },

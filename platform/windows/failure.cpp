@@ -4,9 +4,8 @@
 
 namespace vorthmere::update {
 
-std::error_code lastFailure() {
-    const DWORD error = GetLastError();
-    return failureOf(error == ERROR_SUCCESS ? ERROR_GEN_FAILURE : error);
+std::uint32_t lastErrorNumber() {
+    return GetLastError();
 }
 
 }  // namespace vorthmere::update

@@ -4,6 +4,8 @@
 // windows.h has to come first.
 #include <winhttp.h>
 
+#include "platform/windows/windows_result.h"
+
 namespace vorthmere::update {
 namespace {
 
@@ -22,9 +24,7 @@ bool queryNumber(const InternetHandle& request, DWORD header, std::uint32_t& num
 }  // namespace
 
 void closeInternetHandle(void* handle) noexcept {
-    const DWORD lastError = GetLastError();
-    WinHttpCloseHandle(handle);
-    SetLastError(lastError);
+    closeQuietly(handle, WinHttpCloseHandle);
 }
 
 bool crackAddress(const std::wstring& address, InternetAddress& parts) {

@@ -30,7 +30,7 @@ ProcessHandle createProcess(const Start& start, STARTUPINFOW startup, std::error
 }  // namespace
 
 void closeProcessHandle(void* handle) noexcept {
-    closeQuietly(handle);
+    closeQuietly(handle, CloseHandle);
 }
 
 std::error_code openPipe(Pipe& pipe) {

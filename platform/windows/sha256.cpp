@@ -4,14 +4,16 @@
 // windows.h has to come first.
 #include <bcrypt.h>
 
+#include "platform/windows/windows_result.h"
+
 namespace vorthmere::update {
 
 void closeDigestProvider(void* handle) noexcept {
-    BCryptCloseAlgorithmProvider(handle, 0);
+    closeQuietly(handle, [](void* provider) { BCryptCloseAlgorithmProvider(provider, 0); });
 }
 
 void closeDigest(void* handle) noexcept {
-    BCryptDestroyHash(handle);
+    closeQuietly(handle, BCryptDestroyHash);
 }
 
 DigestProvider openSha256() {

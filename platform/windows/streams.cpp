@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "platform/windows/system_path.h"
 #include "platform/windows/windows_result.h"
 
 namespace vorthmere::update {
@@ -11,7 +12,8 @@ namespace {
 constexpr DWORD kSharedWithReadersAndWriters = FILE_SHARE_READ | FILE_SHARE_WRITE;
 
 FileHandle openFile(const std::filesystem::path& file, DWORD access, DWORD disposition, std::error_code& failure) {
-    const HANDLE handle = CreateFileW(file.c_str(), access, kSharedWithReadersAndWriters, nullptr, disposition,
+    const SystemPath systemPath(file);
+    const HANDLE handle = CreateFileW(systemPath.text(), access, kSharedWithReadersAndWriters, nullptr, disposition,
                                       FILE_ATTRIBUTE_NORMAL, nullptr);
     failure = resultOf(handle != INVALID_HANDLE_VALUE);
     return FileHandle(failure ? nullptr : handle);
@@ -20,7 +22,7 @@ FileHandle openFile(const std::filesystem::path& file, DWORD access, DWORD dispo
 }  // namespace
 
 void closeFileHandle(void* handle) noexcept {
-    closeQuietly(handle);
+    closeQuietly(handle, CloseHandle);
 }
 
 FileHandle openToRead(const std::filesystem::path& file, std::error_code& failure) {
@@ -41,6 +43,12 @@ std::error_code writeBytes(const FileHandle& file, const void* bytes, std::size_
     DWORD count = 0;
     if (!WriteFile(file.get(), bytes, static_cast<DWORD>(size), &count, nullptr)) return lastFailure();
     return count == size ? std::error_code() : failureOf(ERROR_DISK_FULL);
+}
+
+std::error_code flushFile(const std::filesystem::path& file) {
+    std::error_code failure;
+    const FileHandle handle = openFile(file, GENERIC_WRITE, OPEN_EXISTING, failure);
+    return failure ? failure : resultOf(FlushFileBuffers(handle.get()));
 }
 
 std::error_code closeFile(FileHandle file) {

@@ -8,15 +8,23 @@
 
 namespace vorthmere::update {
 
-/// What a call that returns a BOOL left behind; to be called before anything else can replace the last error.
+/// Why a call failed; to be called before anything else can replace the last error. Never "no error": a call that failed
+/// without a reason still failed.
+[[nodiscard]] inline std::error_code lastFailure() {
+    const DWORD error = GetLastError();
+    return failureOf(error == ERROR_SUCCESS ? ERROR_GEN_FAILURE : error);
+}
+
+/// The result of a call that returns a BOOL.
 [[nodiscard]] inline std::error_code resultOf(BOOL succeeded) {
     return succeeded ? std::error_code() : lastFailure();
 }
 
-/// Closes a handle and keeps the thread's last error.
-inline void closeQuietly(HANDLE handle) noexcept {
+/// Closes a handle by `close(handle)` and keeps the thread's last error.
+template <typename Close>
+void closeQuietly(void* handle, const Close& close) noexcept {
     const DWORD lastError = GetLastError();
-    CloseHandle(handle);
+    close(handle);
     SetLastError(lastError);
 }
 

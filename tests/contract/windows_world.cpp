@@ -9,6 +9,7 @@
 #include "tests/support/folder_link.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/windows_handle.h"
+#include "tests/support/wine.h"
 
 namespace vorthmere::update::contract {
 namespace {
@@ -43,10 +44,6 @@ OpenFile open(const std::filesystem::path& path, unsigned access, unsigned shari
                                 flags, nullptr));
 }
 
-bool runsUnderWine() {
-    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
-}
-
 /// A program that runs until it is told to end.
 struct Program {
     explicit Program(const std::filesystem::path& path) : process(path, {L"wait", event.name()}) {}
@@ -66,7 +63,7 @@ public:
         return folder_;
     }
     [[nodiscard]] bool isWindowsToTheLetter() const override {
-        return !runsUnderWine();
+        return !testing::runsUnderWine();
     }
 
     std::uint32_t hold(const std::filesystem::path& file, unsigned access, unsigned sharing) override {

@@ -66,6 +66,8 @@ constexpr auto kReadBytes = std::to_array<Fault>(
     {{0}, {21}, {23}, {33}, {55}, {59}, {64}, {109}, {1117}, {1167}, {.error = 0, .effect = part}});
 constexpr auto kWriteBytes = std::to_array<Fault>(
     {{21}, {33}, {55}, {59}, {112}, {1117}, {1167}, {.error = 112, .effect = part}, {.error = 64, .effect = whole}});
+constexpr auto kFlushFile =
+    std::to_array<Fault>({{2}, {3}, {5}, {19}, {32}, {59}, {112}, {1117}, {.error = 64, .effect = whole}});
 constexpr auto kCloseFile = std::to_array<Fault>({{.error = 59, .effect = part},
                                                   {.error = 64, .effect = part},
                                                   {.error = 112, .effect = part},
@@ -126,6 +128,8 @@ std::span<const Fault> faultsOf(Operation operation) {
             return kReadBytes;
         case Operation::writeBytes:
             return kWriteBytes;
+        case Operation::flushFile:
+            return kFlushFile;
         case Operation::closeFile:
             return kCloseFile;
         case Operation::openPipe:

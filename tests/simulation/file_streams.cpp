@@ -122,6 +122,15 @@ Error FileSystem::flush(HandleId file) {
     return error::none;
 }
 
+Error FileSystem::flushFile(std::string_view path) {
+    HandleId file = 0;
+    if (const Error opening = open(path, access::write, kNotToRemove, false, file); opening != error::none)
+        return opening;
+    const Error flushing = flush(file);
+    (void)close(file);
+    return flushing;
+}
+
 void FileSystem::loseHalf(HandleId file) {
     const OpenFile* open = openFile(file);
     if (open == nullptr || open->isDevice || (open->access & access::write) == 0) return;

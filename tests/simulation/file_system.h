@@ -101,6 +101,7 @@ public:
     Error read(HandleId file, char* buffer, std::size_t size, std::size_t& count);
     Error write(HandleId file, std::string_view bytes);
     Error flush(HandleId file);
+    Error flushFile(std::string_view path);
     Error close(HandleId file);
     /// What was written to a file last never reached its medium: its second half is gone.
     void loseHalf(HandleId file);

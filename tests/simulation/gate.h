@@ -15,7 +15,7 @@ namespace vorthmere::update::simulation {
 
 /// The calls of platform/, in the order of its headers.
 enum class Operation : std::uint8_t {
-    lastFailure,
+    lastErrorNumber,
     entryAttributes,
     entryFacts,
     targetFacts,
@@ -33,6 +33,7 @@ enum class Operation : std::uint8_t {
     createToWrite,
     readBytes,
     writeBytes,
+    flushFile,
     closeFile,
     closeFileHandle,
     openPipe,
@@ -73,7 +74,7 @@ inline constexpr std::size_t kOperations = static_cast<std::size_t>(Operation::c
 /// One call that the program under test made.
 struct Call {
     std::size_t number = 0;  ///< from 0, in the order of the run
-    Operation operation = Operation::lastFailure;
+    Operation operation = Operation::lastErrorNumber;
     std::string subject;       ///< a path, an address, a command line; "/" separated
     std::string second;        ///< the target of a move or a copy, a working folder
     std::uint32_t result = 0;  ///< Windows' number; 0 when it succeeded. An HTTP status, an exit code or a count of
@@ -184,7 +185,7 @@ private:
     /// The calls that a fault for good goes on to harm.
     struct Lasting {
         bool isOn = false;
-        Operation operation = Operation::lastFailure;
+        Operation operation = Operation::lastErrorNumber;
         std::string subject;
     };
     struct Progress {

@@ -24,14 +24,14 @@ void closeFileHandle(void* handle) noexcept {
 }
 
 FileHandle openToRead(const std::filesystem::path& file, std::error_code& failure) {
-    const std::string text = textOf(file);
+    const std::string text = systemTextOf(file);
     return passOpening<FileHandle>(Operation::openToRead, text, failure, [&text](Machine& machine, HandleId& id) {
         return machine.files.openToRead(text, id);
     });
 }
 
 FileHandle createToWrite(const std::filesystem::path& file, std::error_code& failure) {
-    const std::string text = textOf(file);
+    const std::string text = systemTextOf(file);
     return passOpening<FileHandle>(Operation::createToWrite, text, failure, [&text](Machine& machine, HandleId& id) {
         return machine.files.createToWrite(text, id);
     });
@@ -68,6 +68,12 @@ std::error_code writeBytes(const FileHandle& file, const void* bytes, std::size_
 }
 
 // Whatever it tells, the file is closed; what it could not store is lost.
+std::error_code flushFile(const std::filesystem::path& file) {
+    const std::string text = systemTextOf(file);
+    return toFailure(pass(Operation::flushFile, text, "",
+                          [&text](Machine& machine, Extent) { return machine.files.flushFile(text); }));
+}
+
 std::error_code closeFile(FileHandle file) {
     const std::string name = simulation::fileNameOf(file.get());
     const HandleId id = toId(file.release());

@@ -1,28 +1,23 @@
 #include "tests/support/file_tree.h"
 
-#include <windows.h>
-
 #include "tests/support/temporary_folder.h"
+#include "tests/support/windows_folder.h"
 
 namespace vorthmere::update::testing {
 namespace {
 
 namespace fs = std::filesystem;
 
-bool isLink(const fs::path& path) {
-    const DWORD attributes = GetFileAttributesW(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-}
-
 void readInto(FileTree& tree, const fs::path& folder, const std::string& prefix, const std::string& leftOut) {
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
-        const std::string name = entry.path().filename().string();
+    for (const WIN32_FIND_DATAW& entry : entriesIn(folder)) {
+        const fs::path path = folder / entry.cFileName;
+        const std::string name = path.filename().string();
         if (prefix.empty() && name == leftOut) continue;
-        if (isLink(entry.path())) continue;
-        if (entry.is_directory())
-            readInto(tree, entry.path(), prefix + name + "/", leftOut);
+        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) continue;
+        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
+            readInto(tree, path, prefix + name + "/", leftOut);
         else
-            tree[prefix + name] = readFile(entry.path());
+            tree[prefix + name] = readFile(path);
     }
 }
 
@@ -46,8 +41,8 @@ void writeTree(const fs::path& folder, const FileTree& tree) {
 
 std::set<std::string> namesIn(const fs::path& folder) {
     std::set<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder))
-        names.insert(entry.path().filename().string());
+    for (const WIN32_FIND_DATAW& entry : entriesIn(folder))
+        names.insert(fs::path(entry.cFileName).string());
     return names;
 }
 

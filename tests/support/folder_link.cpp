@@ -10,13 +10,13 @@
 #include "tests/support/child_process.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/windows_handle.h"
+#include "tests/support/wine.h"
 
 namespace vorthmere::update::testing {
 namespace {
 
 constexpr const char* kContent = "not of the installation";
 
-/// Null on Windows.
 using UnixNameFunction = char*(CDECL*)(const wchar_t*);
 
 UnixNameFunction unixNameFunction() {
@@ -59,7 +59,7 @@ void runUnixCommand(const std::wstring& command) {
 }  // namespace
 
 Link::Link(const std::filesystem::path& link, const std::filesystem::path& target) : link_(link) {
-    if (!unixNameFunction()) {
+    if (!runsUnderWine()) {
         const DWORD attributes = GetFileAttributesW(target.c_str());
         const bool folder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
         if (!CreateSymbolicLinkW(link.c_str(), target.c_str(), folder ? SYMBOLIC_LINK_FLAG_DIRECTORY : 0))
@@ -70,7 +70,7 @@ Link::Link(const std::filesystem::path& link, const std::filesystem::path& targe
 }
 
 Link::~Link() {
-    if (!unixNameFunction()) {
+    if (!runsUnderWine()) {
         if (!RemoveDirectoryW(link_.c_str())) DeleteFileW(link_.c_str());
         return;
     }

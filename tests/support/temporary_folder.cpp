@@ -6,7 +6,7 @@
 #include <vector>
 
 #ifdef _WIN32
-#include <windows.h>
+#include "tests/support/windows_folder.h"
 #endif
 
 namespace vorthmere::update::testing {
@@ -14,20 +14,51 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// MinGW's library takes links for plain folders and would remove what they lead to, so the attribute decides there.
-bool isLink(const fs::path& path) {
 #ifdef _WIN32
-    const DWORD attributes = GetFileAttributesW(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+
+// The library knows neither links nor long paths here.
+fs::path reachable(const fs::path& path) {
+    return extendedPath(path);
+}
+
+void createFolders(const fs::path& folder) {
+    if (!CreateDirectoryW(reachable(folder).c_str(), nullptr) && GetLastError() == ERROR_PATH_NOT_FOUND) {
+        createFolders(folder.parent_path());
+        CreateDirectoryW(reachable(folder).c_str(), nullptr);
+    }
+}
+
+void removeWithoutFollowingLinks(const fs::path& folder) {
+    for (const WIN32_FIND_DATAW& entry : entriesIn(folder)) {
+        const fs::path path = extendedPath(folder) / entry.cFileName;
+        const bool isFolder = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        const bool isLink = (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+        if (isFolder && !isLink) {
+            removeWithoutFollowingLinks(path);
+            continue;
+        }
+        SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+        if (!isFolder) DeleteFileW(path.c_str());
+        // Of a link to a folder this removes the link; Wine would remove an empty target.
+        if (isFolder) RemoveDirectoryW(path.c_str());
+    }
+    SetFileAttributesW(reachable(folder).c_str(), FILE_ATTRIBUTE_NORMAL);
+    RemoveDirectoryW(reachable(folder).c_str());
+}
+
 #else
-    std::error_code ignored;
-    return fs::is_symlink(fs::symlink_status(path, ignored));
-#endif
+
+fs::path reachable(const fs::path& path) {
+    return path;
+}
+
+void createFolders(const fs::path& folder) {
+    fs::create_directories(folder);
 }
 
 void removeWithoutFollowingLinks(const fs::path& path) {
     std::error_code ignored;
-    if (!isLink(path)) {
+    if (!fs::is_symlink(fs::symlink_status(path, ignored))) {
         fs::permissions(path, fs::perms::owner_all, fs::perm_options::add, ignored);
         if (fs::is_directory(path, ignored)) {
             std::vector<fs::path> children;
@@ -39,6 +70,8 @@ void removeWithoutFollowingLinks(const fs::path& path) {
     }
     fs::remove(path, ignored);
 }
+
+#endif
 
 }  // namespace
 
@@ -54,10 +87,10 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 void writeFile(const fs::path& file, std::string_view content) {
-    fs::create_directories(file.parent_path());
+    createFolders(file.parent_path());
     std::ofstream stream;
     stream.exceptions(std::ios::failbit | std::ios::badbit);
-    stream.open(file, std::ios::binary | std::ios::trunc);
+    stream.open(reachable(file), std::ios::binary | std::ios::trunc);
     stream.write(content.data(), static_cast<std::streamsize>(content.size()));
     stream.close();
 }
@@ -65,7 +98,7 @@ void writeFile(const fs::path& file, std::string_view content) {
 std::string readFile(const fs::path& file) {
     std::ifstream stream;
     stream.exceptions(std::ios::failbit | std::ios::badbit);
-    stream.open(file, std::ios::binary | std::ios::ate);
+    stream.open(reachable(file), std::ios::binary | std::ios::ate);
     std::string content(static_cast<std::size_t>(stream.tellg()), '\0');
     stream.seekg(0);
     stream.read(content.data(), static_cast<std::streamsize>(content.size()));

@@ -4,7 +4,7 @@
 
 namespace vorthmere::update::testing {
 
-UpdateRunTest::UpdateRunTest() {
+UpdateRunTest::UpdateRunTest(const std::wstring& installationName) : install(folder / installationName) {
     writeTree(install, oldFiles);
     writeTree(install, unmanaged_);
     writeTree(folder.path(), outside_);

@@ -21,7 +21,7 @@ namespace vorthmere::update::testing {
 /// checked at the end of every test.
 class UpdateRunTest : public ::testing::Test {
 protected:
-    UpdateRunTest();
+    explicit UpdateRunTest(const std::wstring& installationName = L"a game");
     void TearDown() override;
 
     /// Publishes release 42 with these files: package, inventory and objects. Tests that need none of them never call
@@ -41,7 +41,7 @@ protected:
     [[nodiscard]] FileTree installedFiles() const;
 
     TemporaryFolder folder;
-    const std::filesystem::path install = folder / L"a game";
+    const std::filesystem::path install;
     const std::filesystem::path work = install / L".kvn-update";
     const FileTree oldFiles = sampleReleaseFiles(41);
     FileTree newFiles;

@@ -57,7 +57,7 @@ TEST_F(FileTrace, ClosingByTheWayKeepsTheLastError) {
     ASSERT_TRUE(file);
     SetLastError(ERROR_CRC);
     file.reset();
-    EXPECT_EQ(lastFailure().value(), ERROR_CRC);
+    EXPECT_EQ(lastErrorNumber(), static_cast<std::uint32_t>(ERROR_CRC));
 }
 
 TEST_F(FileTrace, AReadAsksForNoMoreThanTheBufferHolds) {

@@ -50,7 +50,7 @@ TEST(Gate, FailsACallOnceWithoutItsEffect) {
     Gate gate(machine, {{{Operation::deleteFile}, Fault{.error = 32}}});
     const Running running(gate);
     EXPECT_EQ(deleteFile("C:/Desk/plain").value(), 32);
-    EXPECT_EQ(lastFailure().value(), 32);
+    EXPECT_EQ(lastErrorNumber(), 32);
     EXPECT_EQ(contentAt(machine.files, "plain"), "plain");
     EXPECT_FALSE(deleteFile("C:/Desk/plain"));
     EXPECT_TRUE(gate.calls()[0].isHarmed);
@@ -268,9 +268,9 @@ TEST(Gate, RepeatsARunToTheLastCall) {
 
 TEST(Faults, AreKnownForEveryCallThatCanFailAndAreDifferent) {
     const std::set<Operation> cannotFail = {
-        Operation::lastFailure, Operation::closeFileHandle,     Operation::closeProcessHandle,
-        Operation::closeDigest, Operation::closeDigestProvider, Operation::closeInternetHandle,
-        Operation::setTimeouts, Operation::disableRedirects,    Operation::setHeader,
+        Operation::lastErrorNumber, Operation::closeFileHandle,     Operation::closeProcessHandle,
+        Operation::closeDigest,     Operation::closeDigestProvider, Operation::closeInternetHandle,
+        Operation::setTimeouts,     Operation::disableRedirects,    Operation::setHeader,
     };
     for (std::size_t n = 0; n < kOperations; ++n) {
         const auto operation = static_cast<Operation>(n);

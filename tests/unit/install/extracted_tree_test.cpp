@@ -7,6 +7,8 @@
 #include "install/extracted_tree.h"
 #include "tests/support/folder_link.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/windows_folder.h"
+#include "tests/support/wine.h"
 
 namespace vorthmere::update {
 namespace {
@@ -130,14 +132,16 @@ TEST_F(ExtractedTreeTest, AFolderThatCannotBeOpenedCannotBeInspected) {
     EXPECT_EQ(error, L"Unable to inspect the extracted update.");
 }
 
-TEST_F(ExtractedTreeTest, AnEntryThatIsListedButNotFoundCannotBeInspected) {
+TEST_F(ExtractedTreeTest, ANameThatOrdinaryCallsWouldAlterIsTakenAsItIs) {
     writeFile(staging / L"file", "");
-    // Only a name that is taken as it stands keeps its last dot; by its usual name the file is not there.
-    const std::filesystem::path dotted = L"\\\\?\\" + (staging / L"file.").native();
+    const std::filesystem::path dotted = testing::extendedPath(staging / L"file.");
     ASSERT_TRUE(MoveFileW((staging / L"file").c_str(), dotted.c_str()));
-    EXPECT_FALSE(inspect());
-    EXPECT_EQ(error, L"Unable to inspect the extracted update.");
-    EXPECT_TRUE(DeleteFileW(dotted.c_str()));
+    // Wine names an open file without a last dot.
+    EXPECT_EQ(inspect(), testing::runsUnderWine());
+    EXPECT_EQ(error, testing::runsUnderWine() ? kEarlierError : L"The extracted update contains an unsafe path.");
+    ASSERT_TRUE(MoveFileW(dotted.c_str(), testing::extendedPath(staging / L"NUL .txt").c_str()));
+    EXPECT_TRUE(inspect());
+    EXPECT_EQ(files, ExtractedFiles{"NUL .txt"});
 }
 
 TEST_F(ExtractedTreeTest, AStagingFolderReachedThroughALinkNamesItsFilesRelativeToTheResolvedFolder) {

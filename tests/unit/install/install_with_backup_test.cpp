@@ -325,5 +325,20 @@ TEST_F(InstallWithBackupTest, TheSwappedCallFailsForAPathThatWasNeverBackedUpAnd
     EXPECT_EQ(readTree(install), with(newFiles, unmanaged));
 }
 
+// Its volume was taken away, say: every path in it is "not found" then, and nothing was moved to a safe place.
+TEST_F(InstallWithBackupTest, AnInstallationThatVanishedIsNotOneWithoutFiles) {
+    std::filesystem::rename(install, folder / "taken away");
+    try {
+        update();
+        FAIL() << "nothing thrown";
+    } catch (const std::filesystem::filesystem_error& thrown) {
+        EXPECT_NE(std::string(thrown.what()).find("exists"), std::string::npos) << thrown.what();
+        EXPECT_EQ(thrown.path1(), install);
+        EXPECT_EQ(thrown.code().value(), ERROR_FILE_NOT_FOUND);
+    }
+    EXPECT_EQ(readTree(source), newFiles);
+    EXPECT_FALSE(std::filesystem::exists(install));
+}
+
 }  // namespace
 }  // namespace vorthmere::update

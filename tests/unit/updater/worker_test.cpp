@@ -5,9 +5,13 @@
 #include <thread>
 #include <vector>
 
+#include "tests/support/folder_link.h"
 #include "tests/support/heap_use.h"
 #include "tests/support/sample_metadata.h"
 #include "tests/support/temporary_folder.h"
+#include "update/exit_code.h"
+#include "update/manifest.h"
+#include "updater/download_progress.h"
 #include "updater/posted_record.h"
 
 namespace vorthmere::update {
@@ -16,6 +20,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::FieldsAre;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
 /// Runs the worker on a thread of its own and collects what it posts.
 class WorkerTest : public ::testing::Test {
@@ -107,6 +112,44 @@ TEST_F(WorkerTest, RecordsOfAWholeRunLeaveNothingOnTheHeap) {
     for (int i = 0; i < 20; ++i)
         workAndForget();
     EXPECT_EQ(testing::heapInUse(), before);
+}
+
+// No handler is set in this program, as with a C library in which each thread has its own.
+TEST_F(WorkerTest, ExceptionThatLeavesTheRunEndsTheProcessWithTheCodeOfAFatalEnd) {
+    makeCurrentInstallation();
+    const std::filesystem::path program = installation / "KVNUpdater.exe";
+    DeleteFileW(program.c_str());
+    const testing::Link loop(program, program);
+    EXPECT_EXIT(std::thread(runWorker, arguments, window).join(), ::testing::ExitedWithCode(kAbnormalExitCode), "");
+}
+
+// Windows hands out a download in pieces of some 8 KiB, and a queue takes 10,000 messages.
+TEST_F(WorkerTest, WholeDownloadPostsFewRecordsToAWindowThatStandsStillAndItsOutcomeArrives) {
+    constexpr std::uint64_t packageBytes = 512 * 1024 * 1024;
+    constexpr std::uint64_t pieceBytes = 8 * 1024;
+    Manifest manifest;
+    manifest.size = packageBytes;
+    const ProgressCallback post = progressPoster(window);
+    const ByteProgressCallback received = downloadProgress(manifest, post);
+    for (std::uint64_t bytes = pieceBytes; bytes <= packageBytes; bytes += pieceBytes)
+        received(bytes, packageBytes);
+    work();
+    ASSERT_EQ(progress.size(), 101u);
+    EXPECT_THAT(progress.front(), FieldsAre(L"Downloading update... 0%", 12u));
+    EXPECT_THAT(progress.back(), FieldsAre(L"Downloading update... 100%", 65u));
+    EXPECT_THAT(outcomes, SizeIs(1));
+}
+
+TEST_F(WorkerTest, OnlyWhatIsShownAlreadyIsNotPosted) {
+    const ProgressCallback post = progressPoster(window);
+    post(L"a step", 5);
+    post(L"a step", 5);
+    post(L"a step", 6);
+    post(L"another step", 6);
+    post(L"a step", 5);
+    work();
+    EXPECT_THAT(progress, ElementsAre(FieldsAre(L"a step", 5u), FieldsAre(L"a step", 6u),
+                                      FieldsAre(L"another step", 6u), FieldsAre(L"a step", 5u)));
 }
 
 }  // namespace

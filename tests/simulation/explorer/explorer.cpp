@@ -1,0 +1,137 @@
+#include "tests/simulation/explorer/explorer.h"
+
+#include <algorithm>
+#include <iomanip>
+#include <iostream>
+
+namespace vorthmere::update::simulation {
+namespace {
+
+constexpr std::size_t kRepeatedOneIn = 20;
+constexpr std::size_t kShrinkTries = 400;
+
+double secondsSince(std::chrono::steady_clock::time_point begin) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+/// What a finding is like, so that the same is not told again and again.
+std::string kindOf(const Finding& finding, std::size_t exploration) {
+    std::string kind = std::to_string(exploration);
+    if (!finding.breaches.empty()) {
+        const Breach& breach = finding.breaches.front();
+        kind += breach.invariant + breach.what.substr(0, 24);
+    }
+    const auto harmed = std::find_if(finding.outcome.calls.begin(), finding.outcome.calls.end(),
+                                     [](const Call& call) { return call.isHarmed; });
+    if (harmed != finding.outcome.calls.end()) kind += nameOf(harmed->operation);
+    return kind;
+}
+
+}  // namespace
+
+void Explorer::explore(const Amount& amount) {
+    mostFindings_ = amount.mostFindings;
+    visits_.clear();
+    for (std::size_t i = 0; i < explorations().size(); ++i)
+        if (amount.only.empty() || std::find(amount.only.begin(), amount.only.end(), i) != amount.only.end())
+            visits_.push_back({.exploration = i, .next = Choices{}});
+    const auto begin = std::chrono::steady_clock::now();
+    bool goesOn = true;
+    while (goesOn && findings_.size() < mostFindings_) {
+        goesOn = false;
+        for (Visit& visit : visits_)
+            goesOn |= step(visit, amount);
+        if (amount.seconds && secondsSince(begin) > *amount.seconds) break;
+    }
+}
+
+// With a time to fill, each exploration takes its turn; those that can be visited one by one are visited in strides, so
+// that a visit that is cut off has seen a part of everything.
+bool Explorer::step(Visit& visit, const Amount& amount) {
+    const Exploration& exploration = explorations()[visit.exploration];
+    const auto number = static_cast<std::uint32_t>(visit.exploration);
+    if (!exploration.isExhaustible) {
+        if (!amount.seconds && visit.index == amount.draws) return false;
+        Tape tape({number}, amount.seed + 0x10001 * visit.index++);
+        this->visit(visit, tape);
+        return true;
+    }
+    const std::size_t stride = std::max<std::size_t>(amount.everyNth, 1);
+    while (visit.next) {
+        Choices choices{number};
+        choices.insert(choices.end(), visit.next->begin(), visit.next->end());
+        Tape tape(std::move(choices));
+        const bool isDue = visit.index++ % stride == amount.seed % stride;
+        if (isDue) {
+            this->visit(visit, tape);
+        } else {
+            tape.upTo(explorations().size() - 1);
+            static_cast<void>(exploration.choose(tape, stock_));
+        }
+        visit.next = tape.next(1);
+        if (visit.next) visit.next->erase(visit.next->begin());
+        if (isDue) return true;
+    }
+    return false;
+}
+
+void Explorer::visit(Visit& visit, Tape& tape) {
+    const Exploration& exploration = explorations()[tape.upTo(explorations().size() - 1)];
+    const std::optional<Scenario> scenario = exploration.choose(tape, stock_);
+    if (!scenario) return;
+    ++visit.scenarios;
+    const bool twice = ++scenarios_ % kRepeatedOneIn == 0;
+    const Finding finding = examination_.examine(*scenario, exploration.mustMeet, twice);
+    if (!finding.breaches.empty()) report(finding, visit.exploration, tape.taken());
+}
+
+std::optional<Finding> Explorer::run(const Choices& choices) {
+    Tape tape(choices);
+    const Exploration& exploration = explorations()[tape.upTo(explorations().size() - 1)];
+    const std::optional<Scenario> scenario = exploration.choose(tape, stock_);
+    if (!scenario) return std::nullopt;
+    return examination_.examine(*scenario, exploration.mustMeet, true);
+}
+
+void Explorer::report(const Finding& finding, std::size_t exploration, const Choices& choices) {
+    const std::string kind = kindOf(finding, exploration);
+    if (findings_[kind]++ > 0) return;
+    const std::string invariant = finding.breaches.front().invariant;
+    const Choices fewer = shrunk(choices, 1, kShrinkTries, [this, &invariant](const Choices& candidate) {
+        const std::optional<Finding> again = run(candidate);
+        return again && !again->breaches.empty() && again->breaches.front().invariant == invariant;
+    });
+    const std::optional<Finding> small = run(fewer);
+    std::cout << "\n" << describe(small ? *small : finding);
+    std::cout << "shrunk from " << choices.size() << " choices to " << fewer.size() << "; again: simulate --tape "
+              << recordOf(fewer) << "\n"
+              << std::endl;
+}
+
+void Explorer::replay(const Choices& choices) {
+    const std::optional<Finding> finding = run(choices);
+    if (!finding) {
+        std::cout << "These choices make no scenario.\n";
+        return;
+    }
+    if (!finding->breaches.empty()) ++findings_["replayed"];
+    for (const Call& call : finding->outcome.calls)
+        std::cout << describe(call) << "\n";
+    std::cout << "\n" << describe(*finding);
+}
+
+void Explorer::printSummary(double seconds) const {
+    for (const Visit& visit : visits_)
+        std::cout << std::setw(9) << visit.scenarios << "  " << explorations()[visit.exploration].name
+                  << (visit.next && explorations()[visit.exploration].isExhaustible ? " (cut off)" : "") << "\n";
+    std::cout << std::setw(9) << scenarios_ << "  scenarios, " << examination_.updates() << " updates in " << std::fixed
+              << std::setprecision(1) << seconds << " s: " << std::setprecision(0)
+              << static_cast<double>(scenarios_) / seconds << " scenarios a second\n";
+    std::cout << examination_.coverage().summary();
+    std::size_t times = 0;
+    for (const auto& [kind, count] : findings_)
+        times += count;
+    std::cout << (times == 0 ? "Nothing was found.\n" : std::to_string(times) + " scenarios broke something.\n");
+}
+
+}  // namespace vorthmere::update::simulation

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/simulation/explorer/tape.h"
+#include "tests/simulation/gate.h"
+
+namespace vorthmere::update::simulation {
+
+/// What another program may do just before a call, to what the call is about or to its folder. The choices: which of
+/// the paths, what is done.
+///
+/// @return nothing when the call is about no path
+[[nodiscard]] std::optional<Intrusion> anyIntrusion(Tape& tape, const Call& call);
+
+/// What ends an intrusion that lasts; nothing for one that is over when it is done.
+[[nodiscard]] std::optional<Intrusion> endOf(const Intrusion& intrusion);
+
+}  // namespace vorthmere::update::simulation

@@ -1,0 +1,232 @@
+#include "tests/simulation/explorer/known_losses.h"
+
+#include <algorithm>
+
+#include "platform/failure.h"
+#include "tests/simulation/explorer/aftermath.h"
+#include "tests/simulation/explorer/way_back.h"
+
+namespace vorthmere::update::simulation {
+namespace {
+
+std::string installed(std::string_view path) {
+    return treeKeyOf(place::kInstallation) + "/" + treeKeyOf(path);
+}
+
+bool contains(const Release& release, std::string_view key) {
+    return std::any_of(release.files.begin(), release.files.end(),
+                       [key](const ReleaseFile& file) { return installed(file.path) == key; });
+}
+
+bool wasFile(const Outcome& outcome, std::string_view key) {
+    const auto before = outcome.scenario.setting->before.find(key);
+    return before != outcome.scenario.setting->before.end() && before->second.isFile();
+}
+
+/// The same path in the installation, whichever folder of the update it is in.
+bool isSamePlace(std::string_view path, std::string_view key) {
+    std::string left;
+    std::string right;
+    return relativeKeyOf(path, left) && relativeKeyOf(key, right) && left == right;
+}
+
+bool isInvariant(const Breach& breach, char number) {
+    return breach.invariant.front() == number;
+}
+
+// A path that is wrongly not found while files are moved aside is passed over.
+
+bool isOverlooked(const Outcome& outcome, const Breach& breach) {
+    const std::size_t first = outcome.firstCallOf(kInstallingText);
+    return std::any_of(outcome.calls.begin(), outcome.calls.end(), [&](const Call& call) {
+        return call.number >= first && call.isHarmed &&
+               (call.operation == Operation::entryFacts || call.operation == Operation::targetFacts) &&
+               isNotFound(failureOf(call.result)) && isSamePlace(call.subject, breach.subject);
+    });
+}
+
+// The swapped installation after a relaunch that failed, when it takes itself back.
+
+bool isFailedSwap(const Outcome& outcome, const Breach& breach) {
+    const bool isSwapping = std::any_of(outcome.calls.begin(), outcome.calls.end(), [](const Call& call) {
+        return call.operation == Operation::startProgram && call.result != 0;
+    });
+    return isSwapping && WayBack(outcome).begin() < outcome.calls.size() &&
+           (isInvariant(breach, '2') || isInvariant(breach, '9'));
+}
+
+// What stood in the place of a new file belongs to no release, so that the swapped installation does not bring it back.
+
+bool isPlayersUnderNewFile(const Outcome& outcome, const Breach& breach) {
+    const ReleasePair& releases = outcome.scenario.setting->releases;
+    return outcome.code == 28 && isInvariant(breach, '3') && wasFile(outcome, breach.subject) &&
+           contains(releases.offered, breach.subject) && !contains(releases.installed, breach.subject);
+}
+
+bool isFolderOfNewRelease(const Outcome& outcome, const Breach& breach) {
+    const auto now = outcome.after.find(breach.subject);
+    const auto& files = outcome.scenario.setting->releases.offered.files;
+    return outcome.code == 28 && isInvariant(breach, '3') && now != outcome.after.end() && !now->second.isFile() &&
+           std::any_of(files.begin(), files.end(), [&breach](const ReleaseFile& file) {
+               return isAtOrBelow(installed(file.path), breach.subject);
+           });
+}
+
+// Paths are moved aside in byte order, so that the first spelling of a name is the one that is kept.
+
+bool isOtherSpelling(const Outcome& outcome, const Breach& breach) {
+    const Tree& before = outcome.scenario.setting->before;
+    const auto then = before.find(breach.subject);
+    const auto now = outcome.after.find(breach.subject);
+    return isInvariant(breach, '3') && then != before.end() && now != outcome.after.end() &&
+           sameContent(then->second, now->second) && then->second.attributes == now->second.attributes &&
+           then->second.path != now->second.path;
+}
+
+// A file in whose place the new release has a folder.
+
+bool isFileUnderNewFolder(const Outcome& outcome, const Breach& breach) {
+    const auto& files = outcome.scenario.setting->releases.offered.files;
+    return (isInvariant(breach, '9') || isInvariant(breach, '3')) && wasFile(outcome, breach.subject) &&
+           std::any_of(files.begin(), files.end(), [&breach](const ReleaseFile& file) {
+               return installed(file.path) != breach.subject && isAtOrBelow(installed(file.path), breach.subject);
+           });
+}
+
+bool never(const Outcome&, const Breach&) {
+    return false;
+}
+
+/// True when a scenario breaks something that a loss explains.
+bool happensIn(const Scenario& scenario, bool (*explains)(const Outcome&, const Breach&)) {
+    const DocumentedFailures documented("# When an update fails\n| | |\n|-|-|\n| 0 | |\n");
+    const Outcome outcome = play(scenario);
+    std::vector<Breach> breaches = brokenInvariants(outcome, documented);
+    for (Breach& breach : Aftermath(documented).brokenInvariants(outcome))
+        breaches.push_back(std::move(breach));
+    return std::any_of(breaches.begin(), breaches.end(),
+                       [&](const Breach& breach) { return explains(outcome, breach); });
+}
+
+Trigger nthCall(Operation operation, std::string subject, std::size_t number) {
+    return {operation, std::move(subject), number};
+}
+
+std::string staged(std::string_view path) {
+    return std::string(place::kStaging) + "/" + std::string(path);
+}
+
+std::string inInstallation(std::string_view path) {
+    return std::string(place::kInstallation) + "/" + std::string(path);
+}
+
+/// The last file of the sample releases cannot be moved in.
+Scenario takenBack(Way way) {
+    return Scenario{settingOf(sampleReleases(), way), {}}.with(nthCall(Operation::moveFile, staged("Vorthmere.exe"), 0),
+                                                               Fault{error::accessDenied});
+}
+
+Outcome withFileAppearing() {
+    Intrusion intrusion;
+    intrusion.kind = Intrusion::Kind::create;
+    intrusion.path = inInstallation("data/new.pak");
+    intrusion.second = "an intruder's";
+    ReleasePair releases = smallestReleases();
+    releases.offered = releaseOf(42, {{"data/a.pak", "a of 42"}, {"data/new.pak", "new of 42"}});
+    return play(Scenario{settingOf(std::move(releases), Way::incremental), {}}.with(
+        nthCall(Operation::moveFile, staged("data/new.pak"), 0), intrusion));
+}
+
+bool isNowhere(const Tree& tree, std::string_view content) {
+    return std::none_of(tree.begin(), tree.end(), [content](const auto& entry) {
+        return entry.second.isFile() && *entry.second.content == content;
+    });
+}
+
+/// The number of the first status query while files are moved aside.
+Scenario withUnknownStatus() {
+    const Scenario calm{settingOf(smallestReleases(), Way::incremental), {}};
+    const Outcome good = play(calm);
+    std::size_t number = good.firstCallOf(kInstallingText);
+    std::size_t moves = 0;
+    while (moves == 0 || good.calls[number].operation != Operation::entryFacts)
+        moves += good.calls[number++].operation == Operation::moveFile ? 1U : 0U;
+    return calm.with({std::nullopt, "", number}, Fault{error::accessDenied});
+}
+
+}  // namespace
+
+const std::vector<KnownLoss>& knownLosses() {
+    static const std::vector<KnownLoss> losses = {
+        {"overlooked while moving aside", "docs/failures.md",
+         "A path that the system wrongly does not find is not moved aside: the new file replaces it, or it stays.",
+         isOverlooked,
+         [] {
+             const Scenario calm{settingOf(smallestReleases(), Way::incremental), {}};
+             const Outcome good = play(calm);
+             std::size_t number = good.firstCallOf(kInstallingText);
+             while (good.calls[number].operation != Operation::entryFacts ||
+                    treeKeyOf(good.calls[number].subject) != installed("data/a.pak"))
+                 ++number;
+             return happensIn(calm.with({std::nullopt, "", number}, Fault{error::fileNotFound}), isOverlooked);
+         }},
+        {"appears before moving in", "docs/failures.md",
+         "A file that another program puts in a new file's place after the old ones were moved aside is replaced.",
+         never,
+         [] {
+             const Outcome outcome = withFileAppearing();
+             return outcome.code == 0 && isNowhere(outcome.after, "an intruder's");
+         }},
+        {"swap that fails", "docs/failures.md",
+         "When the new game does not start and the swap back fails too, the old files that had returned are removed.",
+         isFailedSwap,
+         [] {
+             return happensIn(Scenario{settingOf(swappableReleases(), Way::relaunchFails), {}}.with(
+                                  nthCall(Operation::moveFile, std::string(place::kBackup) + "/Vorthmere.exe", 0),
+                                  Fault{error::accessDenied}),
+                              isFailedSwap);
+         }},
+        {"player's file and the swap", "docs/failures.md",
+         "A file that no release lists and in whose place a new one went stays in the backup when the releases are "
+         "swapped back, and the next update removes the backup.",
+         isPlayersUnderNewFile,
+         [] {
+             ReleasePair releases = swappableReleases();
+             releases.players.push_back({"Readme.txt", "a player's"});
+             return happensIn({settingOf(std::move(releases), Way::relaunchFails), {}}, isPlayersUnderNewFile);
+         }},
+        {"folders after the swap", "docs/failures.md",
+         "The new release's folders stay, empty, when the releases are swapped back.", isFolderOfNewRelease,
+         [] {
+             return happensIn({settingOf(swappableReleases(), Way::relaunchFails), {}}, isFolderOfNewRelease);
+         }},
+        {"spelling after the way back", "docs/failures.md",
+         "A file that the new release writes in other letters keeps the new spelling when it returns.", isOtherSpelling,
+         [] { return happensIn(takenBack(Way::incremental), isOtherSpelling); }},
+        {"file that becomes a folder", "docs/publishing.md",
+         "When such an update is cut off or swapped back, the folder stands where the file should return to.",
+         isFileUnderNewFolder,
+         [] {
+             return happensIn(Scenario{settingOf(sampleReleases(), Way::incremental), {}}.with(
+                                  nthCall(Operation::moveFile, staged("Vorthmere.exe"), 0), Kill{Extent::none}),
+                              isFileUnderNewFolder);
+         }},
+        {"status that is not known", "docs/failures.md",
+         "A status that cannot be told ends the program; what was moved aside until then stays in the backup.", never,
+         [] {
+             const Outcome outcome = play(withUnknownStatus());
+             return outcome.end == Outcome::End::threw && outcome.exception.find("exists") != std::string::npos &&
+                    outcome.after.find(treeKeyOf(place::kBackup) + "/kvnupdater.exe") != outcome.after.end();
+         }},
+    };
+    return losses;
+}
+
+const KnownLoss* knownLossOf(const Outcome& outcome, const Breach& breach) {
+    const std::vector<KnownLoss>& losses = knownLosses();
+    const auto found = std::find_if(losses.begin(), losses.end(),
+                                    [&](const KnownLoss& loss) { return loss.explains(outcome, breach); });
+    return found == losses.end() ? nullptr : &*found;
+}
+
+}  // namespace vorthmere::update::simulation
