@@ -5,6 +5,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "tests/simulation/names.h"
+
 namespace vorthmere::update::simulation {
 namespace {
 
