@@ -22,7 +22,7 @@ constexpr std::uint64_t kUsualSeed = 41;
 constexpr std::size_t kUsualSequences = 400;
 constexpr std::size_t kSequencesPerWorld = 50;
 /// Of 1000 steps, so many may end their sequence by a known difference.
-constexpr std::size_t kMostExcused = 50;
+constexpr std::size_t kMostExcused = 25;
 constexpr std::string_view kSpelling = "names keep their spelling";
 
 struct Options {

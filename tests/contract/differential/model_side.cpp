@@ -25,8 +25,10 @@ ModelSide::ModelSide(Deletion deletion)
     machine_.beginCaller("C:/Programs/updater.exe", "C:/");
 }
 
+// The platform's functions take a path for what it says: a last dot is part of a name.
 std::string ModelSide::full(const std::string& path) {
-    return std::string(kFolder) + "/" + path;
+    const bool isAltered = path.ends_with('.') || path.ends_with(' ');
+    return (isAltered ? "//?/" : "") + std::string(kFolder) + "/" + path;
 }
 
 Error ModelSide::writeFile(const std::string& path) {

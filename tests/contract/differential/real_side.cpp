@@ -22,6 +22,12 @@ std::string factsOf(const EntryFacts& facts) {
     return std::to_string(facts.attributes.bits & kComparedAttributes) + "/" + std::to_string(facts.size);
 }
 
+/// What the platform's functions make of a path, for the other programs: a last dot is part of a name.
+std::filesystem::path literally(const std::filesystem::path& path) {
+    const bool isAltered = path.native().ends_with(L'.') || path.native().ends_with(L' ');
+    return isAltered ? std::filesystem::path(L"\\\\?\\" + path.native()) : path;
+}
+
 Answer readFile(const std::filesystem::path& path) {
     std::error_code failure;
     const FileHandle file = openToRead(path, failure);
@@ -86,13 +92,13 @@ std::uint32_t RealSide::act(const Step& step) {
         case Action::write:
             return number(writeFile(path, step.path));
         case Action::hold:
-            return world_.hold(path, step.access, step.sharing);
+            return world_.hold(literally(path), step.access, step.sharing);
         case Action::lock:
-            return world_.lock(path, 1);
+            return world_.lock(literally(path), 1);
         case Action::map:
-            return world_.map(path);
+            return world_.map(literally(path));
         case Action::enter:
-            return world_.enter(path);
+            return world_.enter(literally(path));
         default:
             world_.letGo();
             return 0;
