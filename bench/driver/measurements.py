@@ -4,9 +4,10 @@ import shutil
 import subprocess
 
 import games
+import publishing
 import wine
 from channel import served
-from checkout import BENCH, FIRST_CALLS, NOTHING, PUBLISHER, SHIPPED_UPDATER, UPDATER, WORK, download_base_url
+from checkout import BENCH, FIRST_CALLS, NOTHING, SHIPPED_UPDATER, UPDATER, WORK, download_base_url
 from games import MIB
 from table import Row
 from timing import compare, least, say, seconds_of_native
@@ -157,31 +158,6 @@ def measure_start(sizes, _idle):
             *parts(times[1], {"a program that makes the first three calls": first_calls})]
 
 
-def measure_publishing(sizes, _idle):
-    rows = []
-    for files, total, repetitive in sizes.published:
-        folder = WORK / "publish"
-        shutil.rmtree(folder, ignore_errors=True)
-        game = folder / "game"
-        games.make_varied_game(game, files, total, repetitive)
-
-        def figure():
-            shutil.rmtree(folder / "channel", ignore_errors=True)
-            return seconds_of_native(PUBLISHER, "build", "--release", "1", "--version", "bench", "--protocol", "1",
-                                     "--from", game, "--channel", folder / "channel", "--allow-any-programs")
-
-        def floor():
-            (folder / "floor.zip").unlink(missing_ok=True)
-            digests = "find \"$1\" -type f -print0 | xargs -0 sha256sum"
-            return (seconds_of_native("bash", "-c", digests, "bash", game) +
-                    seconds_of_native("bsdtar", "-a", "-cf", folder / "floor.zip", "-C", game, "."))
-
-        times = compare(sizes.publish_repetitions, figure, floor)
-        shutil.rmtree(folder)
-        rows.append(Row(f"publishing {files:,} files, {mebibytes(total)} [s]", *times, "reported"))
-    return rows
-
-
 MEASUREMENTS = {
     "incremental": measure_incremental,
     "https": measure_https,
@@ -191,7 +167,8 @@ MEASUREMENTS = {
     "parsers": measure_parsers,
     "size": measure_size,
     "start": measure_start,
-    "publish": measure_publishing,
+    "publish": publishing.measure_publishing,
+    "releases": publishing.measure_releases,
 }
 
 

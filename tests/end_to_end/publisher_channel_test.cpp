@@ -71,7 +71,7 @@ TEST_F(PublisherChannelTest, FolderThatWasAFileIsRefusedUnlessItIsAllowed) {
 }
 
 TEST_F(PublisherChannelTest, OfTwoFirstBuildsAtOnceOneSucceeds) {
-    constexpr int kRounds = 40;
+    constexpr int kRounds = 10;
     for (int round = 0; round < kRounds; ++round) {
         fs::remove_all(folder_ / "new");
         const fs::path channel = folder_ / "new/channel";
