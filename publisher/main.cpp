@@ -66,7 +66,8 @@ int runCommandLine(int argc, char** argv) {
     Outcome outcome;
     run(command, console, outcome);
     // What was found out until then is no result, unless everything was done before.
-    const bool wasCutOff = isInterrupted() && !(outcome.hasSucceeded && command.action == Action::build);
+    const bool changesFiles = command.action == Action::build || command.action == Action::collectGarbage;
+    const bool wasCutOff = isInterrupted() && !(outcome.hasSucceeded && changesFiles);
     if (wasCutOff) {
         outcome.hasSucceeded = false;
         if (outcome.error.empty()) outcome.error = interruptionSentence();

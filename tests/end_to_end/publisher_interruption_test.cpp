@@ -101,6 +101,31 @@ TEST_F(PublisherInterruptionTest, KilledInItsFirstReleaseItLeavesNoManifest) {
     EXPECT_EQ(offeredRelease(), 41u);
 }
 
+TEST_F(PublisherInterruptionTest, KilledWhileItRemovesWhatIsOldItLeavesASoundChannelAndARepetitionCompletes) {
+    for (std::uint32_t release = 41; release <= 43; ++release) {
+        writeFile(game_ / "data/level.pak", "level of release " + std::to_string(release));
+        ASSERT_EQ(build(release).exitCode, 0);
+    }
+    const fs::path before = folder_ / "before";
+    fs::copy(channel_, before, fs::copy_options::recursive);
+    const std::vector<std::string> collect{"gc", "--channel", channel_.string(), "--keep", "1"};
+    ASSERT_EQ(runPublisher(collect).exitCode, 0);
+    const auto complete = channelContent();
+    ASSERT_EQ(complete.size(), 8u) << "three files of one release and five objects";
+
+    unsigned call = 0;
+    for (bool killed = true; killed;) {
+        fs::remove_all(channel_);
+        fs::copy(before, channel_, fs::copy_options::recursive);
+        killed = runPublisher(collect, ++call).exitCode == -1;
+        const ToolEnd checked = runPublisher({"check", "--channel", channel_.string()});
+        ASSERT_EQ(checked.exitCode, 0) << "killed before call " << call << "\n" << checked.output;
+        ASSERT_EQ(runPublisher(collect).exitCode, 0) << "killed before call " << call;
+        ASSERT_EQ(channelContent() == complete, true) << "killed before call " << call;
+    }
+    EXPECT_GT(call, 8u);
+}
+
 TEST_F(PublisherInterruptionTest, AtAnyMomentEverythingThatTheManifestNamesIsThere) {
     for (int i = 0; i < 40; ++i)
         writeFile(game_ / ("data/" + std::to_string(i)), std::string(2000, 'x') + std::to_string(i));
