@@ -60,6 +60,17 @@ bool deletesAMappedFile(const Comparison& step) {
            step.before.files.disk.at(id).mappings > 0;
 }
 
+/// Two things stand in the way, and the two name different ones first.
+bool hasTwoReasons(const Comparison& step) {
+    const auto id = step.before.files.entryOf(ModelSide::full(targetOf(step.step)));
+    if (id == simulation::kNoEntry || !overwrites(step.step)) return false;
+    const simulation::Entry& target = step.before.files.disk.at(id);
+    const bool isMapped =
+        (step.model.error == 32 || step.model.error == 5) && step.real.error == 1224 && target.mappings > 0;
+    const bool isReadOnly = step.model.error == 5 && step.real.error == 32 && target.isReadOnly();
+    return isMapped || isReadOnly;
+}
+
 bool listsAFile(const Comparison& step) {
     return step.step.action == Action::listFolder && step.model.error == 267 && step.real.error == 123;
 }
@@ -88,6 +99,8 @@ constexpr Difference kDifferences[] = {
     {"folders moved below themselves", "Windows and Wine refuse it for different reasons", movesBelowItself},
     {"a new copy by a folder's name", "Wine finds the name taken before it looks at what has it", copiesToAFoldersName},
     {"mapped files are deleted", "Wine looks at mapped programs, not at mapped data", deletesAMappedFile},
+    {"the other one of two reasons", "Wine looks at mappings before, and at Unix permissions after the sharing",
+     hasTwoReasons, false, true},
     {"listing a file", "Wine takes the error of a name that is none", listsAFile},
     {"locks do not keep off readers and writers", "Wine's locks keep off other locks", passesALock},
     {"folders are not read-only", "Wine does not keep the attribute", makesAFolderReadOnly, true},

@@ -25,6 +25,7 @@ struct Difference {
     bool (*applies)(const Comparison&);
     /// True when both answered the same, and only what comes later would differ.
     bool showsLater = false;
+    bool isRare = false;  ///< a run of the usual length may not need it
 };
 
 [[nodiscard]] std::span<const Difference> knownDifferences();
