@@ -31,7 +31,7 @@ std::filesystem::path absolutePath(const std::filesystem::path& path) {
 std::filesystem::path weaklyCanonicalPath(const std::filesystem::path& path, std::error_code& failure) {
     failure.clear();
     if (path.empty()) return {};
-    // What is there is named as it is: folding its path would drop a last dot, and make a device of "NUL .txt".
+    // What is there is named as it is: folding its path would drop a last dot, and take a file NUL .txt for a device.
     if (const FileHandle file = openForItsName(path, failure)) return finalPath(file, failure);
     if (!isNotFound(failure)) return {};
     // The system folds "." and "..": path::lexically_normal() takes one of the two backslashes with which the path of a

@@ -78,6 +78,18 @@ def make_varied_game(folder, files, total, repetitive):
         _write(folder, file_name(number), content)
 
 
+def make_half_packed_game(folder, files, total):
+    """A game whose files have equal sizes. Every second cannot be compressed; the others deflate brings down to half."""
+    source = random.Random(42)
+    words = [source.randbytes(source.randint(3, 12)) for _ in range(3000)]
+    files -= len(PUBLISHED)
+    size = total // files
+    for number in range(files):
+        packed = number % 2 == 1
+        content = source.randbytes(size) if packed else b"".join(source.choices(words, k=size // 5))
+        _write(folder, file_name(number), content[:size])
+
+
 def publish(game, channel):
     """Publishes the game into the channel and returns the path of the package."""
     subprocess.run(

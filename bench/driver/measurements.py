@@ -2,6 +2,7 @@
 import subprocess
 
 import operations
+import publishing
 import whole_updates
 import wine
 from table import as_line
@@ -18,7 +19,8 @@ MEASUREMENTS = {
     "parsers": operations.measure_parsers,
     "size": operations.measure_size,
     "start": whole_updates.measure_start,
-    "publish": operations.measure_publishing,
+    "publish": publishing.measure_publishing,
+    "releases": publishing.measure_releases,
 }
 
 

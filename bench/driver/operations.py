@@ -1,15 +1,15 @@
-"""Measures what the updater consists of, and the publisher's tool."""
+"""Measures what the updater consists of."""
 import random
 import shutil
 
 import games
 import wine
 from channel import served
-from checkout import BENCH, PUBLISHER, SHIPPED_UPDATER, WORK, download_base_url
+from checkout import BENCH, SHIPPED_UPDATER, WORK, download_base_url
 from games import MIB
 from rows import mebibytes, memory_row
 from table import Row, compared
-from timing import compare, cost_of_native
+from timing import compare
 
 DOWNLOAD_NAME = "bench.bin"
 
@@ -74,28 +74,3 @@ def measure_parsers(sizes, idle):
 
 def measure_size(_sizes, _idle):
     return [Row("size of KVNUpdater.exe [bytes]", SHIPPED_UPDATER.stat().st_size, aim=f"at most {MIB:,}", digits=0)]
-
-
-def measure_publishing(sizes, _idle):
-    rows = []
-    for files, total, repetitive in sizes.published:
-        folder = WORK / "publish"
-        shutil.rmtree(folder, ignore_errors=True)
-        game = folder / "game"
-        games.make_varied_game(game, files, total, repetitive)
-
-        def figure():
-            shutil.rmtree(folder / "channel", ignore_errors=True)
-            return cost_of_native(PUBLISHER, "build", "--release", "1", "--version", "bench", "--protocol", "1",
-                                     "--from", game, "--channel", folder / "channel", "--allow-any-programs")
-
-        def floor():
-            (folder / "floor.zip").unlink(missing_ok=True)
-            digests = "find \"$1\" -type f -print0 | xargs -0 sha256sum"
-            return (cost_of_native("bash", "-c", digests, "bash", game) +
-                    cost_of_native("bsdtar", "-a", "-cf", folder / "floor.zip", "-C", game, "."))
-
-        times = compare(sizes.publish_repetitions, figure, floor)
-        shutil.rmtree(folder)
-        rows.append(compared(f"publishing {files:,} files, {mebibytes(total)} [s]", times, "reported"))
-    return rows

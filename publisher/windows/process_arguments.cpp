@@ -15,6 +15,7 @@ namespace vorthmere::publish {
 std::vector<std::string> processArguments(int, char**) {
     // Lines end as on other systems, and the console is told the encoding of what is printed.
     _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
     SetConsoleOutputCP(CP_UTF8);
     int count = 0;
     const std::unique_ptr<wchar_t*, decltype(&LocalFree)> arguments(CommandLineToArgvW(GetCommandLineW(), &count),

@@ -37,3 +37,6 @@ TIDY = {
     "update": "linux-release",
 }
 LEFT_OUT = {"windows-test": [":!platform/posix"], "linux-release": [":!platform/windows"]}
+
+# The release of clang-format and clang-tidy whose judgement counts.
+JUDGING_CLANG = 14

@@ -30,6 +30,16 @@ protected:
         return readFile(scenario.gameReport);
     }
 
+    /// The last thing that an updater does is to clear its work folder.
+    bool waitUntilUpdaterIsDone() const {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        while (fs::exists(scenario.workFolder / "staging")) {
+            if (std::chrono::steady_clock::now() > deadline) return false;
+            std::this_thread::yield();
+        }
+        return true;
+    }
+
     std::string expectedReport() const {
         const std::string folder = windowsPath(scenario.installation);
         std::string report = "command line=";
@@ -88,6 +98,27 @@ TEST_F(GameTest, WhenItCannotBeStartedAndAnOldFileWasMissingTheNewReleaseStays) 
     fs::remove(scenario.installation / "data" / "old" / "legacy.pak");
     EXPECT_EQ(runUpdater(relaunching(Source::incremental)), 28);
     expectInstalled(broken_);
+}
+
+TEST_F(GameTest, StartsItsOwnUpdaterAndIsStartedAgainAsTheNewRelease) {
+    useUpdater(scenario.installation / "Vorthmere.exe");
+    const UpdaterCommand local = command(Source::incremental);
+    ChildProcess game = startUpdater(std::vector<std::string>{
+        "--update", "--test-no-ui", "--manifest-file", local.manifestFile, "--package-file", local.packageFile,
+        "--inventory-file", local.inventoryFile, "--object-directory", local.objectDirectory});
+    EXPECT_EQ(game.wait(Milliseconds(60'000)).exitCode, 0);
+    EXPECT_EQ(gameReport(), expectedReport());
+    expectRelease42();
+    EXPECT_THAT(transferReport(), testing::StartsWith("mode=incremental"));
+    EXPECT_TRUE(waitUntilUpdaterIsDone());
+}
+
+TEST_F(GameTest, DoesNotStartItsUpdaterWhenItDoesNotKnowItsRelease) {
+    fs::remove(scenario.installation / "kvn_release.txt");
+    useUpdater(scenario.installation / "Vorthmere.exe");
+    ChildProcess game = startUpdater(std::vector<std::string>{"--update"});
+    EXPECT_EQ(game.wait(Milliseconds(60'000)).exitCode, 2);
+    EXPECT_FALSE(fs::exists(scenario.gameReport));
 }
 
 TEST_F(GameTest, ThatHasEndedIsNotWaitedFor) {

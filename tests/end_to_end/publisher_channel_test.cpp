@@ -71,13 +71,11 @@ TEST_F(PublisherChannelTest, FolderThatWasAFileIsRefusedUnlessItIsAllowed) {
 }
 
 TEST_F(PublisherChannelTest, OfTwoFirstBuildsAtOnceOneSucceeds) {
-    constexpr int kRounds = 40;
+    constexpr int kRounds = 10;
     for (int round = 0; round < kRounds; ++round) {
         fs::remove_all(folder_ / "new");
         const fs::path channel = folder_ / "new/channel";
-        std::vector<std::string> command{publisherProgram()};
-        for (const std::string& argument : buildArguments(41, game_, channel))
-            command.push_back(argument);
+        const std::vector<std::string> command = publisherCommand(buildArguments(41, game_, channel));
         ProcessOptions options;
         options.outputFile = folder_ / "first output";
         ChildProcess first(command, options);

@@ -4,6 +4,7 @@
 
 #include <cinttypes>
 #include <cstdio>
+#include <random>
 
 #include "tests/end_to_end/support/base_test.h"
 #include "tests/end_to_end/support/channel.h"
@@ -118,6 +119,81 @@ TEST_F(PublisherRoundTripTest, PlanTellsWhatTheUpdaterThenDoes) {
                                HasSubstr("fetched:          " + std::to_string(downloaded) + " file"),
                                HasSubstr("The update is incremental")));
     EXPECT_THAT(planned, testing::ContainsRegex("fetched: .*[ (]" + withSeparators(bytes) + " bytes"));
+}
+
+/// A game that changes from release to release in ways that are drawn.
+class DrawnGame {
+public:
+    explicit DrawnGame(fs::path folder) : folder_(std::move(folder)) {}
+
+    void change() {
+        const int changes = draw(1, 6);
+        for (int i = 0; i < changes; ++i)
+            changeOne();
+    }
+
+    /// Makes a folder of a file.
+    ///
+    /// @return the file's path
+    std::string makeAFolderOfAFile() {
+        const std::string path =
+            "drawn/" + names_[static_cast<std::size_t>(draw(0, static_cast<int>(names_.size()) - 1))];
+        writeFile(folder_ / path, "a file for one release");
+        return path;
+    }
+
+private:
+    int draw(int least, int most) {
+        return std::uniform_int_distribution<int>(least, most)(random_);
+    }
+
+    std::string content() {
+        std::string bytes(static_cast<std::size_t>(draw(0, 40'000)), '\0');
+        const bool isPacked = draw(0, 1) == 0;
+        for (char& byte : bytes)
+            byte = static_cast<char>(isPacked ? draw(0, 255) : draw('a', 'd'));
+        return bytes;
+    }
+
+    void changeOne() {
+        const std::string path = "drawn/folder " + std::to_string(draw(1, 4)) + "/file " + std::to_string(draw(1, 8));
+        if (draw(0, 3) == 0)
+            fs::remove(folder_ / path);
+        else
+            writeFile(folder_ / path, content());
+    }
+
+    const fs::path folder_;
+    const std::vector<std::string> names_{"first", "second", "third"};
+    std::mt19937 random_{20};
+};
+
+TEST_F(PublisherRoundTripTest, DrawnReleasesAreInstalledOneAfterTheOtherWithSomeLeftOut) {
+    constexpr std::uint32_t kFirst = 42;
+    constexpr std::uint32_t kReleases = 20;
+    DrawnGame drawn(game_);
+    int installed = 0;
+    for (std::uint32_t release = kFirst; release < kFirst + kReleases; ++release) {
+        drawn.change();
+        publish(release);
+        if (release % 5 == 0) {
+            // What was a file becomes a folder, which players could not install.
+            const std::string path = drawn.makeAFolderOfAFile();
+            publish(++release);
+            fs::remove(game_ / path);
+            writeFile(game_ / path / "inside", "x");
+            const ToolEnd refused = runPublisher(buildArguments(release + 1, game_, channel_));
+            EXPECT_EQ(refused.exitCode, 1);
+            EXPECT_THAT(refused.output, HasSubstr("\"" + path + "\" is a file in release"));
+            fs::remove_all(game_ / path);
+            publish(++release);
+        }
+        if (release % 3 == 1) continue;
+        update();
+        expectEveryFileOfTheGameFolder(release);
+        ++installed;
+    }
+    EXPECT_GE(installed, 9);
 }
 
 /// A channel in which the changed bytes and the package differ by exactly so many bytes. The package of one file that

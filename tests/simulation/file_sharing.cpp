@@ -25,9 +25,7 @@ Error FileSystem::removalError(EntryId entry) const {
     const Entry& removed = disk.at(entry);
     if (disk.volumes()[removed.volume].isWriteProtected) return error::writeProtected;
     if (removed.isReadOnly() || removed.images > 0 || removed.mappings > 0) return error::accessDenied;
-    const bool isEntered = removed.isFolder() && !tag::isLink(removed.reparseTag);
-    if (isEntered && !removed.children.empty()) return error::folderNotEmpty;
-    return error::none;
+    return removed.children.empty() ? error::none : error::folderNotEmpty;
 }
 
 // What stands against emptying a file and writing it anew: CREATE_ALWAYS and CopyFileW ask for plain attributes.

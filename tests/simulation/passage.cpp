@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <stdexcept>
 #include <type_traits>
+#include <vector>
+
+#include "tests/simulation/names.h"
 
 namespace vorthmere::update::simulation {
 namespace {
@@ -24,6 +27,22 @@ std::string utf8Of(const std::filesystem::path& path, const Native& native) {
 
 std::u8string toUtf8Text(std::string_view text) {
     return {reinterpret_cast<const char8_t*>(text.data()), text.size()};
+}
+
+bool isDots(std::string_view name) {
+    return name == "." || name == "..";
+}
+
+/// True for a path with a name that Windows would take for another one.
+bool hasAlteredName(std::string_view path) {
+    while (!path.empty()) {
+        const std::string_view name = takeComponent(path);
+        if (name.empty() || isDots(name)) continue;
+        if (name.back() == '.' || name.back() == ' ') return true;
+        const bool mayBeDevice = std::string_view("CPANLcpanl").find(name.front()) != std::string_view::npos;
+        if (mayBeDevice && isDeviceName(name, true)) return true;
+    }
+    return false;
 }
 
 }  // namespace
@@ -52,6 +71,23 @@ std::string textOf(const std::filesystem::path& path) {
     std::replace(text.begin(), text.end(), '\\', '/');
     if (text.size() == 2 && text[1] == ':') text.push_back('/');
     return text;
+}
+
+std::string systemTextOf(const std::filesystem::path& path) {
+    std::string text = textOf(path);
+    const bool isAbsolute = text.find(':') == 1 || (text.starts_with("//") && !text.starts_with("//?/"));
+    if (!isAbsolute || !hasAlteredName(text)) return text;
+    std::vector<std::string_view> names;
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        const std::string_view name = takeComponent(rest);
+        if (name == ".." && names.size() > 1) names.pop_back();
+        if (!name.empty() && !isDots(name)) names.push_back(name);
+    }
+    std::string extended = text.starts_with("//") ? "//?/UNC" : "//?";
+    for (const std::string_view name : names)
+        extended.append("/").append(name);
+    return extended;
 }
 
 // Through a path, as the library converts those on every platform.

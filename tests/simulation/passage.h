@@ -20,6 +20,9 @@ namespace vorthmere::update::simulation {
 
 /// UTF-8, "/" separated.
 [[nodiscard]] std::string textOf(const std::filesystem::path& path);
+/// The same for a call that takes the path for what it says: one with a name that Windows would alter in its plain form
+/// ("a.", "NUL .txt") gets the extended form.
+[[nodiscard]] std::string systemTextOf(const std::filesystem::path& path);
 [[nodiscard]] std::string narrowOf(std::wstring_view text);
 [[nodiscard]] std::wstring wideOf(std::string_view text);
 [[nodiscard]] std::filesystem::path pathOf(std::string_view text);

@@ -28,7 +28,7 @@ std::uint32_t lastErrorNumber() {
 
 EntryAttributes entryAttributes(const std::filesystem::path& path, std::error_code& failure) {
     EntryAttributes attributes;
-    const std::string text = textOf(path);
+    const std::string text = systemTextOf(path);
     failure = toFailure(passWhole(Operation::entryAttributes, text, "", [&](Machine& machine) {
         return machine.files.entryAttributes(text, attributes.bits);
     }));
@@ -37,7 +37,7 @@ EntryAttributes entryAttributes(const std::filesystem::path& path, std::error_co
 
 EntryFacts entryFacts(const std::filesystem::path& path, std::error_code& failure) {
     Facts facts;
-    const std::string text = textOf(path);
+    const std::string text = systemTextOf(path);
     failure = toFailure(passWhole(Operation::entryFacts, text, "",
                                   [&](Machine& machine) { return machine.files.entryFacts(text, facts); }));
     return failure ? EntryFacts() : EntryFacts{{facts.attributes}, facts.size};
@@ -45,7 +45,7 @@ EntryFacts entryFacts(const std::filesystem::path& path, std::error_code& failur
 
 EntryFacts targetFacts(const std::filesystem::path& path, std::error_code& failure) {
     Facts facts;
-    const std::string text = textOf(path);
+    const std::string text = systemTextOf(path);
     failure = toFailure(passWhole(Operation::targetFacts, text, "",
                                   [&](Machine& machine) { return machine.files.targetFacts(text, facts); }));
     return failure ? EntryFacts() : EntryFacts{{facts.attributes}, facts.size};
@@ -53,7 +53,7 @@ EntryFacts targetFacts(const std::filesystem::path& path, std::error_code& failu
 
 std::vector<FolderEntry> listFolder(const std::filesystem::path& folder, std::error_code& failure) {
     std::vector<Listed> listed;
-    const std::string text = textOf(folder);
+    const std::string text = systemTextOf(folder);
     failure = toFailure(pass(Operation::listFolder, text, "", [&](Machine& machine, Extent extent) {
         const Error listing = machine.files.listFolder(text, listed);
         if (extent == Extent::part) listed.resize(listed.size() / 2);
@@ -76,7 +76,7 @@ std::filesystem::path fullPath(const std::filesystem::path& path, std::error_cod
 }
 
 FileHandle openForItsName(const std::filesystem::path& path, std::error_code& failure) {
-    const std::string text = textOf(path);
+    const std::string text = systemTextOf(path);
     return passOpening<FileHandle>(Operation::openForItsName, text, failure, [&text](Machine& machine, HandleId& file) {
         return machine.files.openForItsName(text, file);
     });
@@ -90,39 +90,39 @@ std::filesystem::path finalPath(const FileHandle& file, std::error_code& failure
 }
 
 std::error_code createFolder(const std::filesystem::path& folder) {
-    const std::string text = textOf(folder);
+    const std::string text = systemTextOf(folder);
     return toFailure(passWhole(Operation::createFolder, text, "",
                                [&](Machine& machine) { return machine.files.createFolder(text); }));
 }
 
 std::error_code removeEmptyFolder(const std::filesystem::path& folder) {
-    const std::string text = textOf(folder);
+    const std::string text = systemTextOf(folder);
     return toFailure(passWhole(Operation::removeEmptyFolder, text, "",
                                [&](Machine& machine) { return machine.files.removeEmptyFolder(text); }));
 }
 
 std::error_code deleteFile(const std::filesystem::path& file) {
-    const std::string text = textOf(file);
+    const std::string text = systemTextOf(file);
     return toFailure(
         passWhole(Operation::deleteFile, text, "", [&](Machine& machine) { return machine.files.deleteFile(text); }));
 }
 
 std::error_code setAttributes(const std::filesystem::path& path, EntryAttributes attributes) {
-    const std::string text = textOf(path);
+    const std::string text = systemTextOf(path);
     return toFailure(passWhole(Operation::setAttributes, text, std::to_string(attributes.bits),
                                [&](Machine& machine) { return machine.files.setAttributes(text, attributes.bits); }));
 }
 
 std::error_code moveFile(const std::filesystem::path& from, const std::filesystem::path& to) {
-    const std::string source = textOf(from);
-    const std::string target = textOf(to);
+    const std::string source = systemTextOf(from);
+    const std::string target = systemTextOf(to);
     return toFailure(passWhole(Operation::moveFile, source, target,
                                [&](Machine& machine) { return machine.files.moveFile(source, target); }));
 }
 
 std::error_code copyFile(const std::filesystem::path& from, const std::filesystem::path& to, Overwrite overwrite) {
-    const std::string source = textOf(from);
-    const std::string target = textOf(to);
+    const std::string source = systemTextOf(from);
+    const std::string target = systemTextOf(to);
     bool isHalf = false;
     const Error result = pass(Operation::copyFile, source, target, [&](Machine& machine, Extent extent) {
         const Error copy = machine.files.copyFile(source, target, overwrite == Overwrite::yes, extent);

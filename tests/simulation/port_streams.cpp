@@ -24,14 +24,14 @@ void closeFileHandle(void* handle) noexcept {
 }
 
 FileHandle openToRead(const std::filesystem::path& file, std::error_code& failure) {
-    const std::string text = textOf(file);
+    const std::string text = systemTextOf(file);
     return passOpening<FileHandle>(Operation::openToRead, text, failure, [&text](Machine& machine, HandleId& id) {
         return machine.files.openToRead(text, id);
     });
 }
 
 FileHandle createToWrite(const std::filesystem::path& file, std::error_code& failure) {
-    const std::string text = textOf(file);
+    const std::string text = systemTextOf(file);
     return passOpening<FileHandle>(Operation::createToWrite, text, failure, [&text](Machine& machine, HandleId& id) {
         return machine.files.createToWrite(text, id);
     });
@@ -69,7 +69,7 @@ std::error_code writeBytes(const FileHandle& file, const void* bytes, std::size_
 
 // Whatever it tells, the file is closed; what it could not store is lost.
 std::error_code flushFile(const std::filesystem::path& file) {
-    const std::string text = textOf(file);
+    const std::string text = systemTextOf(file);
     return toFailure(pass(Operation::flushFile, text, "",
                           [&text](Machine& machine, Extent) { return machine.files.flushFile(text); }));
 }

@@ -8,6 +8,7 @@
 
 #include "install/command_line_quoting.h"
 #include "tests/support/child_process.h"
+#include "tests/support/junction.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/windows_handle.h"
 #include "tests/support/wine.h"
@@ -56,14 +57,28 @@ void runUnixCommand(const std::wstring& command) {
     if (!waitForFile(done)) throw std::runtime_error("a Unix command does not end");
 }
 
+bool linkFile(const std::filesystem::path& link, const std::filesystem::path& target) {
+    constexpr DWORD inDeveloperMode = 2;
+    return CreateSymbolicLinkW(link.c_str(), target.c_str(), inDeveloperMode) != 0;
+}
+
 }  // namespace
+
+bool canLinkFiles() {
+    if (runsUnderWine()) return true;
+    const TemporaryFolder folder;
+    return linkFile(folder / L"link", folder / L"target");
+}
 
 Link::Link(const std::filesystem::path& link, const std::filesystem::path& target) : link_(link) {
     if (!runsUnderWine()) {
         const DWORD attributes = GetFileAttributesW(target.c_str());
-        const bool folder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-        if (!CreateSymbolicLinkW(link.c_str(), target.c_str(), folder ? SYMBOLIC_LINK_FLAG_DIRECTORY : 0))
+        const bool toFile = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+        if (!toFile) {
+            makeJunction(link, target);
+        } else if (!linkFile(link, target)) {
             throw std::runtime_error("cannot make the link " + link.string());
+        }
         return;
     }
     runUnixCommand(L"ln -s" + unixArgument(target) + unixArgument(link));

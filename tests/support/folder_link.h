@@ -4,8 +4,11 @@
 
 namespace vorthmere::update::testing {
 
-/// A link to a folder, or to a file, for as long as the object lives. Wine cannot make links itself, so there the Unix
-/// program does.
+/// False where links to files need a privilege that this user lacks: on Windows outside of its developer mode.
+[[nodiscard]] bool canLinkFiles();
+
+/// A link to a folder, or to a file, for as long as the object lives. On Windows what leads to no file is a junction,
+/// which needs no privilege. Wine cannot make links itself, so there the Unix program does.
 class Link {
 public:
     /// @param link   where the link is to be; the folder above it exists

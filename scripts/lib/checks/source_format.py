@@ -3,9 +3,12 @@ import re
 import subprocess
 
 from lib.checkout import ROOT, sources
+from lib.checks import judging_clang
 
 
 def check():
+    if not judging_clang.is_here("clang-format"):
+        return []
     judged = subprocess.run(["clang-format", "--dry-run", *sources("*.cpp", "*.h")], cwd=ROOT, check=False,
                             stdin=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True).stderr
     wrong = sorted(set(re.findall(r"^([^: \n]+\.(?:cpp|h)):", judged, re.MULTILINE)))

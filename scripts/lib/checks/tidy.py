@@ -6,6 +6,7 @@ import os
 import subprocess
 
 from lib.checkout import BUILD, ROOT, SCRIPTS, sources
+from lib.checks import judging_clang
 from lib.layout import LEFT_OUT, TIDY
 
 WORK = BUILD / "tidy"
@@ -67,6 +68,8 @@ def _check_folder(folder, preset):
 
 
 def check():
+    if not judging_clang.is_here("clang-tidy"):
+        return []
     for preset in sorted(set(TIDY.values())):
         if not (BUILD / preset / "compile_commands.json").exists():
             subprocess.run([SCRIPTS / "build", preset, "help"], stdout=subprocess.DEVNULL, check=True)

@@ -123,9 +123,11 @@ def main():
     DEMO.mkdir(parents=True)
     try:
         demonstrate()
-    except BaseException:
+    except BaseException as failure:
         with contextlib.suppress(ProcessLookupError):
             os.kill(ARCHIVE_TOOL_PROCESS, signal.SIGTERM)
+        if isinstance(failure, subprocess.CalledProcessError):
+            raise SystemExit(f"{failure.cmd[0]} failed, see above") from None
         raise
     if picture:
         shutil.copyfile(DEMO / "working.png", picture)

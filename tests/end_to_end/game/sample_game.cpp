@@ -1,8 +1,12 @@
-// A game that tells how it was started, in the file that KVN_GAME_REPORT names, and ends.
+// A game that tells how it was started, in the file that KVN_GAME_REPORT names, and ends. With "--update" it starts its
+// updater instead, with the options that follow.
 #include <windows.h>
 
 #include <cstdio>
 #include <string>
+#include <string_view>
+
+#include "update_start.h"
 
 namespace {
 
@@ -32,7 +36,10 @@ void writeLine(FILE* file, const char* key, const std::wstring& value) {
 
 }  // namespace
 
-int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR arguments, int) {
+    constexpr std::wstring_view update = L"--update";
+    if (std::wstring_view(arguments).starts_with(update)) return startUpdater(arguments + update.size()) ? 0 : 2;
+
     // Counted before the report is opened.
     const int pipes = countPipes();
     const wchar_t* name = _wgetenv(L"KVN_GAME_REPORT");

@@ -1,7 +1,12 @@
 #include "tests/end_to_end/support/publisher.h"
 
+#include <cstdlib>
+#include <stdexcept>
+#include <string_view>
+
 #include "tests/end_to_end/support/child_process.h"
 #include "tests/end_to_end/support/files.h"
+#include "tests/end_to_end/support/programs.h"
 #include "tests/end_to_end/support/release_texts.h"
 #include "tests/support/temporary_folder.h"
 #include "update/release_channel.h"
@@ -15,18 +20,30 @@ constexpr Milliseconds kToolLimit{60'000};
 
 ToolEnd runPublisher(const std::vector<std::string>& arguments, unsigned killAtCall) {
     const update::testing::TemporaryFolder folder;
-    std::vector<std::string> command{KVN_RELEASE};
-    command.insert(command.end(), arguments.begin(), arguments.end());
     ProcessOptions options;
     options.outputFile = folder / "output";
     if (killAtCall != 0)
         options.environment = {"LD_PRELOAD=" KVN_KILL_AT_CALL, "KVN_KILL_AT_CALL=" + std::to_string(killAtCall)};
-    const ProcessEnd end = ChildProcess(command, options).wait(kToolLimit);
+    const ProcessEnd end = ChildProcess(publisherCommand(arguments), options).wait(kToolLimit);
     return {end.exitCode, readFile(options.outputFile)};
 }
 
 std::filesystem::path publisherProgram() {
     return KVN_RELEASE;
+}
+
+std::vector<std::string> publisherCommand(const std::vector<std::string>& arguments) {
+    const char* const system = std::getenv("KVN_PUBLISHER");
+    if (system && std::string_view(system) == "windows") return windowsPublisherCommand(arguments);
+    std::vector<std::string> command{publisherProgram()};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return command;
+}
+
+std::vector<std::string> windowsPublisherCommand(const std::vector<std::string>& arguments) {
+    const std::filesystem::path program = std::filesystem::path(KVN_WINDOWS_BUILD) / "kvn-release.exe";
+    if (!exists(program)) throw std::runtime_error(program.string() + " is missing: build preset windows-test first");
+    return wineCommand(program, arguments);
 }
 
 std::vector<std::string> buildArguments(std::uint32_t release, const std::filesystem::path& game,

@@ -21,8 +21,15 @@ struct ToolEnd {
 ///                   killed; 0 for never
 ToolEnd runPublisher(const std::vector<std::string>& arguments, unsigned killAtCall = 0);
 
-/// The tool itself, for a test that starts it in a way of its own.
+/// The tool for this system, for a test that starts it in a way of its own.
 [[nodiscard]] std::filesystem::path publisherProgram();
+
+/// A command for ChildProcess that runs the tool which is tested: the one for this system, or with
+/// KVN_PUBLISHER=windows in the environment kvn-release.exe under Wine.
+[[nodiscard]] std::vector<std::string> publisherCommand(const std::vector<std::string>& arguments);
+
+/// A command for ChildProcess that runs kvn-release.exe under Wine.
+[[nodiscard]] std::vector<std::string> windowsPublisherCommand(const std::vector<std::string>& arguments);
 
 /// The command line of a build with the sample release's details, which takes any files as programs.
 [[nodiscard]] std::vector<std::string> buildArguments(std::uint32_t release, const std::filesystem::path& game,

@@ -1,7 +1,6 @@
 #include "tests/simulation/explorer/documented_failures.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <fstream>
 #include <sstream>
@@ -83,11 +82,6 @@ std::vector<std::string> sentencesOfSection(std::string_view document, std::stri
     return sentences;
 }
 
-std::size_t numberOfWord(std::string_view word) {
-    constexpr std::array<std::string_view, 7> words = {"zero", "one", "two", "three", "four", "five", "six"};
-    return static_cast<std::size_t>(std::find(words.begin(), words.end(), word) - words.begin());
-}
-
 /// Reads the cells of the first table: sentences, or words about where they stand.
 class CodeTable {
 public:
@@ -95,7 +89,6 @@ public:
 
     std::vector<std::string> read(std::string_view cell, int code) {
         constexpr std::string_view followed = "the same, followed by \"";
-        constexpr std::string_view asTheFirst = "as the first ";
         std::vector<std::string> sentences;
         if (cell.empty() || cell == "none") {
             sentences.emplace_back();
@@ -103,11 +96,6 @@ public:
             cell.remove_prefix(followed.size());
             for (const std::string& sentence : ofCode_[code])
                 sentences.push_back(sentence + std::string(cell.substr(0, cell.find('"'))));
-        } else if (cell.starts_with(asTheFirst)) {
-            const std::vector<std::string_view> words = split(cell.substr(asTheFirst.size()), " ");
-            const std::vector<std::string>& others = ofCode_[std::stoi(std::string(words.back()))];
-            const std::size_t count = std::min(numberOfWord(words.front()), others.size());
-            sentences.assign(others.begin(), others.begin() + static_cast<std::ptrdiff_t>(count));
         } else {
             for (const std::string_view part : split(cell, " / "))
                 if (isSentence(part)) sentences.emplace_back(part);

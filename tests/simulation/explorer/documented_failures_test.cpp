@@ -14,7 +14,7 @@ constexpr std::string_view kDocument = R"(# When an update fails
 | 0 | | Installed. | Play. |
 | 15 | a sentence on [the network](#the-network) | No package. | Try later. |
 | 18 | One, SHA-256. / Two. / Three. | | |
-| 21 | as the first two of 18 | | |
+| 21 | One, SHA-256. / Two. | | |
 | 27 | none | | |
 | 27 | Four. | | |
 | 28 | Five (error N). | | |

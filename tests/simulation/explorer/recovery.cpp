@@ -11,6 +11,8 @@ Error copyReplacing(FileSystem& files, const std::string& from, const std::strin
     std::uint32_t attributes = 0;
     if (files.entryAttributes(to, attributes) == error::none && (attributes & attribute::readOnly) != 0)
         files.setAttributes(to, attributes & ~attribute::readOnly);
+    if (files.entryAttributes(to, attributes) == error::none && (attributes & attribute::folder) != 0)
+        files.moveFile(to, to + " of the update");
     return files.copyFile(from, to, true);
 }
 

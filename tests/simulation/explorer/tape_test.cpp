@@ -80,7 +80,7 @@ TEST(Shrinking, StopsWhenItsTriesAreUsedUp) {
     std::size_t calls = 0;
     const auto fails = [&calls](const Choices&) {
         ++calls;
-        return true;
+        return false;
     };
     static_cast<void>(shrunk(Choices(100, 100), 0, 3, fails));
     EXPECT_EQ(calls, 3U);

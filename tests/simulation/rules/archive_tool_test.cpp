@@ -249,10 +249,11 @@ TEST(SimulatedArchiveTool, LeavesAPartOfAFileWhenItIsKilled) {
 
 TEST(SimulatedArchiveTool, EndsWhenNobodyReadsItsListing) {
     Machine machine = machineWith({{"a.pak", "a"}});
-    startTool(machine, "-tf C:/Desk/package.zip");
+    const Started started = startTool(machine, "-tf C:/Desk/package.zip");
     machine.killCaller();
     machine.processes.step(machine.files, 2);
-    EXPECT_EQ(machine.processes.running().size(), 1U);
+    EXPECT_FALSE(machine.processes.find(started.id)->isRunning);
+    EXPECT_EQ(machine.processes.find(started.id)->exitCode, 1U);
 }
 
 }  // namespace

@@ -59,6 +59,9 @@ TEST(SimulatedCopies, TakeAttributesAlongAndKeepTheTargetsSpelling) {
     EXPECT_EQ(contentAt(files, "other"), "read-only");
     EXPECT_EQ(files.find("other")->attributes, attribute::archive | attribute::readOnly);
     EXPECT_EQ(contentAt(files, "readonly"), "read-only");
+    EXPECT_EQ(files.setAttributes("plain", 0), error::none);
+    EXPECT_EQ(files.copyFile("plain", "archived", true), error::none);
+    EXPECT_EQ(files.find("archived")->attributes, attribute::archive);
     EXPECT_EQ(files.copyFile("cloud", "new", true), error::none);
     EXPECT_EQ(files.find("new")->attributes, attribute::archive);
     EXPECT_EQ(files.copyFile("plain", "dangling", false), error::none);

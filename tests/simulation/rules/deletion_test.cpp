@@ -61,6 +61,8 @@ TEST(SimulatedDeletion, FreesTheNameAtOnceThePosixWay) {
     std::size_t count = 0;
     EXPECT_EQ(files.read(holder, buffer, 8, count), 0U);
     EXPECT_EQ(std::string(buffer, count), "inner");
+    std::string path;
+    EXPECT_EQ(files.finalPath(holder, path), 5U);
     const std::uint64_t before = files.volumeOf("C:/").freeBytes;
     EXPECT_EQ(files.close(holder), 0U);
     EXPECT_EQ(files.volumeOf("C:/").freeBytes, before + Disk::kEntryBytes + 5);
@@ -81,6 +83,9 @@ TEST(SimulatedDeletion, OfAFolderWaitsForItsHolderToo) {
         ASSERT_EQ(machine.files.openForItsName("empty", file), 0U);
         EXPECT_EQ(machine.files.removeEmptyFolder("empty"), 0U);
         const Error again = profile == Profile::classicDelete ? 5 : 0;
+        const Error below = profile == Profile::classicDelete ? 5 : 3;
+        EXPECT_EQ(machine.files.createFolder("empty/new"), below);
+        EXPECT_EQ(machine.files.moveFile("plain", "empty/new"), below);
         EXPECT_EQ(machine.files.createFolder("empty"), again);
         EXPECT_EQ(machine.files.close(file), 0U);
     }

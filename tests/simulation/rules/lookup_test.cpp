@@ -166,6 +166,19 @@ TEST(SimulatedLookup, RefusesPathsThatAreTooLong) {
         {"259", [&](FileSystem& f) { return ask(f, "C:/Desk/" + std::string(251, 'x')); }, 2},
         {"260", [&](FileSystem& f) { return ask(f, tooLong(f, 260)); }, 3},
         {"260, extended", [&](FileSystem& f) { return ask(f, tooLong(f, 260, "\\\\?\\C:\\")); }, 3},
+        {"a long one, extended",
+         [&](FileSystem& f) {
+             f.putFile("C:/Desk/" + std::string(200, 'x') + "/" + std::string(200, 'y'), contentOf(""));
+             tooLong(f, 0);
+             return ask(f, "\\\\?\\C:\\Desk\\" + std::string(200, 'x') + "\\" + std::string(200, 'y'));
+         },
+         0},
+        {"250 to create, extended",
+         [&](FileSystem& f) {
+             tooLong(f, 0);
+             return f.createFolder("\\\\?\\C:\\Desk\\" + std::string(242, 'x'));
+         },
+         0},
         {"a short one with dots in it",
          [&](FileSystem& f) {
              tooLong(f, 0);

@@ -57,8 +57,9 @@ TEST(SimulatedProcesses, TellWhyAProgramDoesNotStart) {
 
 TEST(SimulatedProcesses, LeaveNothingHeldWhenTheyDoNotStart) {
     Machine machine = desk();
-    EXPECT_EQ(start(machine, "C:/Desk/plain"), 193U);
+    EXPECT_EQ(start(machine, "C:/Desk/plain", "C:/Desk/empty"), 193U);
     EXPECT_EQ(start(machine, "C:/Desk/program.exe", "C:/none"), 267U);
+    EXPECT_EQ(machine.files.removeEmptyFolder("empty"), 0U);
     EXPECT_EQ(machine.files.deleteFile("plain"), 0U);
     EXPECT_EQ(machine.files.deleteFile("program.exe"), 0U);
     EXPECT_EQ(machine.files.openFilesOf(machine.caller).size(), 0U);

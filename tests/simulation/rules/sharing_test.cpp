@@ -233,8 +233,11 @@ TEST(SimulatedSharing, LetsOnlyTheOwnerIntoALockedRange) {
     EXPECT_EQ(spellingOf(files, "copy"), "(none)");
     ASSERT_EQ(files.close(file), error::none);
     EXPECT_EQ(files.moveFile("plain", "moved"), error::none);
-    EXPECT_EQ(files.deleteFile("moved"), error::none);
-    files.putFile("C:/Desk/plain", contentOf("plain"));
+    EXPECT_EQ(files.copyFile("other", "moved", true), error::lockViolation);
+    const HandleId another = held(machine, "other", access::read, access::all);
+    ASSERT_EQ(files.lock(another, 0, 10), error::none);
+    EXPECT_EQ(files.close(another), error::none);
+    EXPECT_EQ(files.copyFile("other", "copy", true), error::none);
 }
 
 TEST(SimulatedSharing, HoldsACurrentFolder) {

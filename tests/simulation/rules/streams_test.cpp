@@ -60,6 +60,14 @@ TEST(SimulatedStreams, TellWhatCannotBeWritten) {
              return f.createToWrite("new", file);
          },
          112},
+        {"write-protected",
+         [&](FileSystem& f) {
+             f.volumeOf("C:/").isWriteProtected = true;
+             return f.createToWrite("plain", file);
+         },
+         19},
+        {"read-only, without emptying it",
+         [&](FileSystem& f) { return f.open("readonly", access::write, access::all, false, file); }, 5},
         {"a full disk, there",
          [&](FileSystem& f) {
              f.volumeOf("C:/").freeBytes = 0;

@@ -124,6 +124,7 @@ TEST_F(InstallationCheckTest, ALinkedFolderIsFollowedToTheInstallationItself) {
 }
 
 TEST_F(InstallationCheckTest, AMarkerThatIsALinkToAFilePasses) {
+    if (!testing::canLinkFiles()) GTEST_SKIP() << "links to files need a privilege here";
     writeFile(folder / L"elsewhere.exe", "game");
     std::filesystem::remove(install / "Vorthmere.exe");
     const Link link(install / "Vorthmere.exe", folder / L"elsewhere.exe");

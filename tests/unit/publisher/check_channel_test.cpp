@@ -123,7 +123,7 @@ TEST_F(CheckChannelTest, MissingInventory) {
 }
 
 TEST_F(CheckChannelTest, InventoryOfAnotherRelease) {
-    fs::copy_file(channel / "KVN-release-41.zip.files", list, fs::copy_options::overwrite_existing);
+    writeFile(list, readFile(channel / "KVN-release-41.zip.files"));
     EXPECT_THAT(faults(), ElementsAre("\"KVN-release-42.zip.files\" would be refused by the updater: File inventory "
                                       "does not match the selected release."));
 }
@@ -161,6 +161,7 @@ TEST_F(CheckChannelTest, MissingWrongSizedAndCorruptObjectsAreAllNamed) {
 }
 
 TEST_F(CheckChannelTest, FoldersThatAreOneOnWindows) {
+    if (fs::exists(game / "DATA")) GTEST_SKIP() << "Here they are one already.";
     std::ostringstream output;
     Console console(output, false);
     EXPECT_THAT(checkChannel(channelOfAnyFiles(), false, console).faults, IsEmpty());

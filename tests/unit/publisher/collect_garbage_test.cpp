@@ -50,14 +50,13 @@ protected:
         EXPECT_THAT(checkChannel(channel, false, console).faults, IsEmpty());
     }
 
-    std::map<std::uint32_t, fs::path> objects;
-
-private:
     static bool tryTo(const GarbageRequest& request, GarbageSummary& summary, std::string& error) {
         std::ostringstream output;
         Console console(output, false);
         return collectGarbage(request, console, summary, error);
     }
+
+    std::map<std::uint32_t, fs::path> objects;
 };
 
 TEST_F(CollectGarbageTest, WithoutANumberOnlyWhatNoReleaseNamesIsRemoved) {
@@ -119,8 +118,13 @@ TEST_F(CollectGarbageTest, NothingIsRemovedWhenWhatIsNeededIsNotKnown) {
 TEST_F(CollectGarbageTest, BuildAtTheSameTimeIsNotDisturbed) {
     Descriptor lock;
     std::string error;
+    const Tree before = readTree(channel);
     ASSERT_TRUE(lockFolder(channel, lock, error)) << error;
-    EXPECT_THAT(refusal(1), StartsWith("Another kvn-release is writing to"));
+    GarbageSummary summary;
+    EXPECT_FALSE(tryTo({channel, 1, false}, summary, error));
+    EXPECT_THAT(error, StartsWith("Another kvn-release is writing to"));
+    lock = Descriptor();
+    EXPECT_EQ(readTree(channel), before);
 }
 
 }  // namespace

@@ -120,6 +120,7 @@ TEST_F(FileDigestTest, WhatIsNoReadableFileIsAMismatch) {
 }
 
 TEST_F(FileDigestTest, ALinkToTheRightFileMatches) {
+    if (!testing::canLinkFiles()) GTEST_SKIP() << "links to files need a privilege here";
     writeFile(file, "abc");
     const testing::Link link(folder / L"link", file);
     EXPECT_TRUE(installedFileMatches(folder / L"link", {"", kAbcDigest, 3}));

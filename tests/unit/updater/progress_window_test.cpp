@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "tests/support/heap_use.h"
+#include "tests/support/watched_memory.h"
 #include "updater/posted_record.h"
 #include "updater/worker.h"
 
@@ -179,6 +180,43 @@ TEST_F(ProgressWindowTest, BusyWindowDoesNotClose) {
     send(WM_TIMER, 2);
     EXPECT_TRUE(IsWindow(state.window));
     EXPECT_FALSE(dispatchQueue());
+}
+
+TEST_F(ProgressWindowTest, NoProgressLetsTheWindowClose) {
+    for (std::uint32_t percent = 0; percent <= 100; ++percent) {
+        ASSERT_TRUE(postRecord(state.window, std::make_unique<ProgressRecord>(ProgressRecord{L"Working...", percent})));
+        dispatchQueue();
+        send(WM_CLOSE);
+        send(WM_COMMAND, 1001);
+        ASSERT_TRUE(IsWindow(state.window)) << percent;
+        ASSERT_TRUE(state.busy) << percent;
+    }
+}
+
+TEST_F(ProgressWindowTest, RecordsAreFreedOnceWhoeverReceivesThem) {
+    const auto createStateless = [] {
+        return CreateWindowExW(0, kClassName, L"", 0, 0, 0, 100, 100, nullptr, nullptr, GetModuleHandleW(nullptr),
+                               nullptr);
+    };
+    const HWND stateless = createStateless();
+    const HWND gone = createStateless();
+    DestroyWindow(gone);
+    dispatchQueue();
+    for (const HWND receiver : {stateless, state.window, gone}) {
+        auto progress = std::make_unique<ProgressRecord>(ProgressRecord{L"Working", 1});
+        auto outcome = std::make_unique<OutcomeRecord>(OutcomeRecord{27, L"Broken"});
+        {
+            const testing::WatchedMemory watched(progress.get());
+            postRecord(receiver, std::move(progress));
+            dispatchQueue();
+            EXPECT_EQ(watched.timesFreed(), 1);
+        }
+        const testing::WatchedMemory watched(outcome.get());
+        postRecord(receiver, std::move(outcome));
+        dispatchQueue();
+        EXPECT_EQ(watched.timesFreed(), 1);
+    }
+    DestroyWindow(stateless);
 }
 
 TEST_F(ProgressWindowTest, SuccessIsShownWithoutTheButton) {

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+#include "tests/contract/differential/steps.h"
+#include "tests/simulation/machine.h"
+
+namespace vorthmere::update::contract {
+
+/// One step as both sides took it.
+struct Comparison {
+    const Step& step;
+    const simulation::Machine& before;  ///< the model before the step
+    const simulation::Machine& after;
+    const Answer& model;
+    const Answer& real;
+};
+
+/// A way in which Wine is known to differ from Windows.
+struct Difference {
+    std::string_view name;
+    std::string_view reason;
+    bool (*applies)(const Comparison&);
+    /// True when both answered the same, and only what comes later would differ.
+    bool showsLater = false;
+};
+
+[[nodiscard]] std::span<const Difference> knownDifferences();
+
+}  // namespace vorthmere::update::contract
