@@ -230,16 +230,16 @@ std::optional<Scenario> swarm(Tape& tape, Stock& stock) {
 
 const std::vector<Exploration>& explorations() {
     static const std::vector<Exploration> all = {
-        {"undisturbed", true, 0, undisturbed},
-        {"one fault", true, 1, oneFault},
-        {"fault on the way back", true, 2, faultOnTheWayBack},
-        {"looked at on the way back", true, 2, lookedAtOnTheWayBack},
-        {"killed", true, 1, killed},
-        {"killed on the way back", true, 2, killedOnTheWayBack},
-        {"power loss", true, 1, withoutPower},
-        {"intrusion", true, 1, intrusion},
-        {"drawn releases", false, 0, drawnUpdate},
-        {"swarm", false, 0, swarm},
+        {"undisturbed", true, true, 0, undisturbed},
+        {"one fault", true, false, 1, oneFault},
+        {"fault on the way back", true, false, 2, faultOnTheWayBack},
+        {"looked at on the way back", true, false, 2, lookedAtOnTheWayBack},
+        {"killed", true, false, 1, killed},
+        {"killed on the way back", true, false, 2, killedOnTheWayBack},
+        {"power loss", true, false, 1, withoutPower},
+        {"intrusion", true, false, 1, intrusion},
+        {"drawn releases", false, false, 0, drawnUpdate},
+        {"swarm", false, false, 0, swarm},
     };
     return all;
 }

@@ -69,7 +69,8 @@ bool Explorer::count(Visit& visit, const Amount& amount) {
         choices.insert(choices.end(), visit.next->begin(), visit.next->end());
         Tape tape(std::move(choices));
         const std::size_t offset = (amount.seed + visit.round * amount.shares + amount.share) % stride;
-        const bool isVisited = visit.index++ % stride == offset || isNew(exploration, tape);
+        const bool isVisited =
+            exploration.isAlwaysWhole || visit.index++ % stride == offset || isNew(exploration, tape);
         if (isVisited) {
             this->visit(visit, tape);
         } else {
@@ -79,7 +80,8 @@ bool Explorer::count(Visit& visit, const Amount& amount) {
         visit.next = tape.next(1);
         if (visit.next) {
             visit.next->erase(visit.next->begin());
-        } else if (amount.seconds && ++visit.round * amount.shares + amount.share < stride) {
+        } else if (amount.seconds && !exploration.isAlwaysWhole &&
+                   ++visit.round * amount.shares + amount.share < stride) {
             visit.index = 0;
             visit.next = Choices{};
         }

@@ -141,6 +141,7 @@ private:
             if (setting_.way == Way::current) return nothingChanged(true);
             newReleaseIsWhole();
             if (outcome_.code == 0) backupIsExact();
+            if (outcome_.code == 0 && outcome_.scenario.plan.empty()) workFolderIsTidy();
             return;
         }
         const bool mayBeBetween = outcome_.end != Outcome::End::returned && changedPlaces();
@@ -162,6 +163,14 @@ private:
             if (!new_.contains(key) && !newFolders_.contains(key) && !isOthers(key) &&
                 !(mayBeExplained && wayBack_.explains(key)) && outcome_.after.contains(key))
                 broken("3 told", key, key + " of the old release is still there");
+    }
+
+    void workFolderIsTidy() {
+        const std::string work = treeKeyOf(place::kWorkFolder);
+        for (const auto& [key, node] : outcome_.after)
+            if (isWorkFolder(key) && key != work && key != work + "/transfer.txt" && key != work + "/inventory.txt" &&
+                !isAtOrBelow(key, treeKeyOf(place::kBackup)))
+                broken("3 told", key, node.path + " was left in the work folder");
     }
 
     // What else lay there would come back with a recovery.

@@ -83,18 +83,22 @@ bool isFolderOfNewRelease(const Outcome& outcome, const Breach& breach) {
 
 // Paths are moved aside in byte order, so that the first spelling of a name is the one that is kept.
 
+bool isNewInOtherLetters(const Outcome& outcome, std::string_view key, const Node& now) {
+    const auto& files = outcome.scenario.setting->releases.offered.files;
+    return outcome.code == 28 && std::any_of(files.begin(), files.end(), [&](const ReleaseFile& file) {
+               return installed(file.path) == key && now.isFile() && *now.content == file.content &&
+                      !now.path.ends_with(file.path);
+           });
+}
+
 bool isOtherSpelling(const Outcome& outcome, const Breach& breach) {
     const Tree& before = outcome.scenario.setting->before;
     const auto then = before.find(breach.subject);
     const auto now = outcome.after.find(breach.subject);
-    if (!isInvariant(breach, '3') || then == before.end() || now == outcome.after.end()) return false;
-    const auto& files = outcome.scenario.setting->releases.offered.files;
-    const bool isNew = outcome.code == 28 && std::any_of(files.begin(), files.end(), [&](const ReleaseFile& file) {
-                           return installed(file.path) == breach.subject && now->second.isFile() &&
-                                  *now->second.content == file.content && !now->second.path.ends_with(file.path);
-                       });
-    return isNew || (sameContent(then->second, now->second) && then->second.attributes == now->second.attributes &&
-                     then->second.path != now->second.path);
+    if (!isInvariant(breach, '3') || now == outcome.after.end()) return false;
+    if (isNewInOtherLetters(outcome, breach.subject, now->second)) return true;
+    return then != before.end() && sameContent(then->second, now->second) &&
+           then->second.attributes == now->second.attributes && then->second.path != now->second.path;
 }
 
 // A file in whose place the new release has a folder.
@@ -279,11 +283,14 @@ const std::vector<KnownLoss>& knownLosses() {
          "A file that the new release writes in other letters keeps the new spelling when it returns.", isOtherSpelling,
          [] { return happensIn(takenBack(Way::incremental), isOtherSpelling); }},
         {"file that becomes a folder", "docs/publishing.md",
-         "When such an update is cut off or swapped back, the folder stands where the file should return to.",
+         "When the new folder cannot be removed on the way back, the file cannot return, and further updates end with "
+         "27 "
+         "until it is brought back by hand.",
          isFileUnderNewFolder,
          [] {
-             return happensIn(Scenario{settingOf(sampleReleases(), Way::incremental), {}}.with(
-                                  nthCall(Operation::moveFile, staged("Vorthmere.exe"), 0), Kill{Extent::none}),
+             return happensIn(takenBack(Way::incremental)
+                                  .with(nthCall(Operation::removeEmptyFolder, inInstallation("mods"), 0),
+                                        Fault{error::accessDenied}),
                               isFileUnderNewFolder);
          }},
         {"link that is not told", "docs/failures.md",

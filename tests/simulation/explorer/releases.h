@@ -42,7 +42,8 @@ struct Offer {
     std::vector<Object> objects;
 };
 
-[[nodiscard]] Offer offerOf(const Release& release);
+/// @param unlisted files that the package holds besides, and no list names
+[[nodiscard]] Offer offerOf(const Release& release, const std::vector<ReleaseFile>& unlisted = {});
 
 /// The folders of every scenario.
 namespace place {

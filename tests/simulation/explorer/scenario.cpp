@@ -34,6 +34,7 @@ constexpr std::array<WayFacts, kWays> kWayFacts = {{
     {"complete package, and the archive tool prints too much", 21},
     {"incremental, and a folder of the game is a junction", 27},
     {"incremental, and the work folder is a junction", 13},
+    {"complete package with a file that no list names", 24},
 }};
 
 constexpr std::string_view kGame = "C:/Games/Kelvane/Vorthmere.exe";
@@ -52,7 +53,8 @@ Arguments argumentsOf(Way way, std::uint32_t installed) {
     const std::filesystem::path offer(place::kOffer);
     arguments.manifestFile = offer / "manifest";
     arguments.packageFile = offer / "package.zip";
-    if (way == Way::complete || way == Way::linkedOffer || way == Way::damagedPackage || way == Way::talkativeTool)
+    if (way == Way::complete || way == Way::linkedOffer || way == Way::damagedPackage || way == Way::talkativeTool ||
+        way == Way::unlistedFile)
         return arguments;
     arguments.inventoryFile = offer / "inventory";
     arguments.objectDirectory = offer / "objects";
@@ -149,7 +151,9 @@ SettingPointer settingOf(ReleasePair releases, Way way, Profile profile, bool ha
     machine.files.putReparsePoint(std::string(place::kStaging) + "/planted", tag::junction,
                                   std::string(place::kElsewhere), true);
     putSurroundings(machine, releases);
-    const Offer offer = offerOf(releases.offered);
+    std::vector<ReleaseFile> unlisted;
+    if (way == Way::unlistedFile) unlisted.push_back({"data/unlisted.pak", "in no list"});
+    const Offer offer = offerOf(releases.offered, unlisted);
     if (isLocal(way))
         putLocalOffer(machine, offer);
     else

@@ -30,8 +30,9 @@ enum class Way : std::uint8_t {
     talkativeTool,         ///< the archive tool prints more than it may
     linkedFolder,          ///< a folder of the installation is a junction
     linkedWorkFolder,      ///< the work folder is one
+    unlistedFile,          ///< the local package holds a file that its list does not name
 };
-inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::linkedWorkFolder) + 1;
+inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::unlistedFile) + 1;
 
 /// The first ones, on which most goes on; each of the others differs in one step.
 inline constexpr std::size_t kMainWays = static_cast<std::size_t>(Way::relaunchFails) + 1;
