@@ -3,7 +3,7 @@ import fnmatch
 import re
 
 from lib.checkout import ROOT, sources
-from lib.layout import KEPT_OUT, MAY_INCLUDE
+from lib.layout import CORE, KEPT_OUT, MAY_INCLUDE, PAST_THE_DOOR
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]')
 
@@ -33,5 +33,12 @@ def _kept_out():
                 yield f"{complaint}: {place}"
 
 
+def _past_the_door():
+    for name in sources(*CORE):
+        for number, line in enumerate((ROOT / name).read_bytes().decode("utf-8", "replace").splitlines(), 1):
+            if name.endswith((".cpp", ".h")) and re.search(PAST_THE_DOOR, line):
+                yield f"an operation of std::filesystem in the core: {name}:{number}: {line}"
+
+
 def check():
-    return [*_wrong_ways(), *_kept_out()]
+    return [*_wrong_ways(), *_kept_out(), *_past_the_door()]

@@ -7,7 +7,7 @@ import re
 
 from lib.checkout import ROOT, sources
 from lib.cpp_tokens import literal_text, tokens
-from lib.layout import RAISES_SENTENCES, WINDOW_TEXTS
+from lib.layout import RAISES_SENTENCES, STEP_TEXTS, WINDOW_TEXTS
 
 DOCUMENT = "docs/failures.md"
 # Their texts are names of steps, and the caption of a box.
@@ -72,7 +72,7 @@ def check():
     raised = _texts_of_failures()
     faults = [f"not a sentence of {DOCUMENT}: {text}" for text in sorted(filter(_is_sentence, raised))
               if text not in one_line or not text.strip().endswith(ENDINGS)]
-    shown = raised | {part for text in _texts(WINDOW_TEXTS) for part in text.split("\\n")}
+    shown = raised | {part for name in (WINDOW_TEXTS, STEP_TEXTS) for text in _texts(name) for part in text.split("\\n")}
     known = [*_sentences_in_tables(listed.splitlines()), *_quoted_sentences(one_line)]
     return faults + [f"{DOCUMENT} has a sentence that no source has: {sentence}" for sentence in known
                      if not _is_in(sentence, shown)]
