@@ -114,7 +114,7 @@ bool isFolderInPlaceOfFile(const Outcome& outcome) {
 bool isFileUnderNewFolder(const Outcome& outcome, const Breach& breach) {
     const auto& files = outcome.scenario.setting->releases.offered.files;
     if (isInvariant(breach, '8')) return isFolderInPlaceOfFile(outcome);
-    return (isInvariant(breach, '9') || isInvariant(breach, '3')) && wasFile(outcome, breach.subject) &&
+    return isInvariant(breach, '3') && wasFile(outcome, breach.subject) &&
            std::any_of(files.begin(), files.end(), [&breach](const ReleaseFile& file) {
                return installed(file.path) != breach.subject && isAtOrBelow(installed(file.path), breach.subject);
            });
