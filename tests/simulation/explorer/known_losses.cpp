@@ -139,10 +139,13 @@ bool isLater(const Outcome& outcome, const PlannedAction& planned) {
     const bool isLink = intrusion->kind == Intrusion::Kind::plantJunction ||
                         intrusion->kind == Intrusion::Kind::plantFileLink ||
                         intrusion->kind == Intrusion::Kind::plantFolderLink;
-    return isLink && std::none_of(outcome.calls.begin(), outcome.calls.end(), [&](const Call& call) {
-               return call.number >= planned.trigger.number && call.operation == Operation::entryAttributes &&
-                      treeKeyOf(call.subject) == treeKeyOf(intrusion->path);
-           });
+    // The way back is not tested at all, even when a link is what it began with.
+    const bool isTakenBack = WayBack(outcome).begin() < outcome.calls.size();
+    return isLink && (isTakenBack || std::none_of(outcome.calls.begin(), outcome.calls.end(), [&](const Call& call) {
+                          return call.number >= planned.trigger.number &&
+                                 call.operation == Operation::entryAttributes &&
+                                 treeKeyOf(call.subject) == treeKeyOf(intrusion->path);
+                      }));
 }
 
 bool isLinkAfterTheTest(const Outcome& outcome, const Breach& breach) {
