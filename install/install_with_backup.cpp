@@ -54,6 +54,13 @@ private:
     std::optional<std::string> last_;
 };
 
+/// Whether a move that failed moved the file all the same, as may happen over a network. What else is at the target then
+/// is not ours to take back.
+bool tookEffect(const std::error_code& failure, const std::filesystem::path& source) {
+    std::error_code unknown;
+    return !isNotFound(failure) && fileType(source, unknown) == FileType::notFound;
+}
+
 bool vacate(Installation& installation, const Paths& pathsToVacate, const Paths& pathsToInstall, std::wstring& error) {
     std::set<std::string_view> affected(pathsToVacate.begin(), pathsToVacate.end());
     affected.insert(pathsToInstall.begin(), pathsToInstall.end());
@@ -68,20 +75,11 @@ bool vacate(Installation& installation, const Paths& pathsToVacate, const Paths&
         if (fileTypeOrThrow(installed, "status") != FileType::regular)
             return fail(error, L"A managed installation path is not a regular file.");
         if (!backupFolders.create(path)) return fail(error, L"Unable to prepare the update backup.");
-        // Noted before it is tried: a move over a network may take effect and report a failure all the same. Moving back
-        // what never left fails and harms nothing.
-        installation.backedUp.emplace_back(path);
-        if (!moveBetween(installation.folder, installation.backup, path))
-            return fail(error, L"Unable to back up the current installation.");
+        const std::error_code failure = moveFile(installed, installation.backup / path);
+        if (!failure || tookEffect(failure, installed)) installation.backedUp.emplace_back(path);
+        if (failure) return fail(error, L"Unable to back up the current installation.");
     }
     return true;
-}
-
-/// Whether a move that failed moved the file all the same, as may happen over a network. What else is at the target then
-/// is not ours to take back.
-bool tookEffect(const std::error_code& failure, const std::filesystem::path& source) {
-    std::error_code unknown;
-    return !isNotFound(failure) && fileType(source, unknown) == FileType::notFound;
 }
 
 bool moveIn(Installation& installation, const Paths& pathsToInstall, std::wstring& error) {
