@@ -143,13 +143,22 @@ RunOutcome EndToEndTest::runInWindow(UpdaterCommand command) {
 }
 
 // The transfer report is written when the release is staged; the last thing done before the game is waited for is to
-// read the installed list.
+// read the installed list. On a busy machine the report may be written before its folder is watched: an updater that has
+// written it and touches nothing any more is waiting, too.
 bool EndToEndTest::waitUntilReadyToInstall(FolderWatch& watch) const {
+    constexpr Milliseconds quiet{5'000};
+    const fs::path report = scenario.workFolder / "transfer.txt";
     bool staged = false;
-    while (const std::optional<FolderEvent> event = watch.next(kRunLimit)) {
+    for (Milliseconds waited{0}; waited < kRunLimit;) {
+        const std::optional<FolderEvent> event = watch.next(quiet);
+        if (!event) {
+            if (fs::exists(report)) return true;
+            waited += quiet;
+            continue;
+        }
         if (event->path == scenario.workFolder && (event->what & IN_CREATE) != 0)
             watch.add(scenario.workFolder, IN_CLOSE_WRITE);
-        if (event->path == scenario.workFolder / "transfer.txt") staged = true;
+        if (event->path == report) staged = true;
         if (staged && event->path == scenario.installation / update::kManagedFileListName) return true;
     }
     return false;
