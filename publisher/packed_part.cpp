@@ -32,7 +32,6 @@ public:
     Deflation& operator=(const Deflation&) = delete;
 
     std::vector<char> run(std::span<const char> before, std::span<const char> content, bool isLast) {
-        deflateReset(&stream_);
         if (!before.empty()) deflateSetDictionary(&stream_, bytesOf(before), static_cast<uInt>(before.size()));
         std::vector<char> packed(deflateBound(&stream_, static_cast<uLong>(content.size())) + kFlushBytes);
         stream_.next_in = bytesOf(content);
@@ -60,8 +59,8 @@ PackedPart storePart(std::span<const char> content) {
 }
 
 PackedPart deflatePart(std::span<const char> before, std::span<const char> content, bool isLast) {
-    thread_local Deflation deflation;
-    return withFactsOf(content, deflation.run(before, content, isLast));
+    // Not one for each thread: GCC's library on Windows frees the memory of a thread's objects before it destroys them.
+    return withFactsOf(content, Deflation().run(before, content, isLast));
 }
 
 std::uint32_t crcOf(std::uint32_t crc, std::span<const char> bytes) {
