@@ -40,6 +40,8 @@ public:
     FetchedFiles() = default;
     FetchedFiles(const FetchedFiles&) = delete;
     FetchedFiles& operator=(const FetchedFiles&) = delete;
+    FetchedFiles(FetchedFiles&&) = delete;
+    FetchedFiles& operator=(FetchedFiles&&) = delete;
     ~FetchedFiles() {
         std::string stays;
         if (!folder_.empty()) static_cast<void>(removeTree(folder_, stays));

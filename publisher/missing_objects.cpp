@@ -18,6 +18,7 @@ std::vector<const ReleaseFile*> distinctContents(const std::vector<ReleaseFile>&
     for (const ReleaseFile& file : files)
         distinct.emplace(file.entry.sha256, &file);
     std::vector<const ReleaseFile*> contents;
+    contents.reserve(distinct.size());
     for (const auto& [sha256, file] : distinct)
         contents.push_back(file);
     return contents;

@@ -30,6 +30,8 @@ public:
     }
     Deflation(const Deflation&) = delete;
     Deflation& operator=(const Deflation&) = delete;
+    Deflation(Deflation&&) = delete;
+    Deflation& operator=(Deflation&&) = delete;
 
     std::vector<char> run(std::span<const char> before, std::span<const char> content, bool isLast) {
         if (!before.empty()) deflateSetDictionary(&stream_, bytesOf(before), static_cast<uInt>(before.size()));

@@ -13,7 +13,7 @@
 namespace vorthmere::publish {
 namespace {
 
-constexpr int kDeflateLevel = 6;
+constexpr int kStatedDeflateLevel = 6;
 
 // Made by a Unix system, format 2.0; a regular file that everybody may read; the first of January 1980.
 constexpr uLong kMadeBy = 3U << 8 | 20U;
@@ -63,7 +63,7 @@ long seekOutput(voidpf, voidpf stream, ZPOS64_T offset, int origin) {
 /// What the library's calls read from.
 struct Input {
     InputFile& file;
-    std::uint64_t size;
+    std::uint64_t size = 0;
     std::uint64_t position = 0;
 };
 
@@ -172,8 +172,8 @@ bool ZipWriter::beginEntry(const std::string& name, PackingMethod method, std::s
     constexpr int kReadyMade = 1;
     constexpr int kSmallerThan4GiB = 0;
     return zipOpenNewFileInZip4_64(zip_, name.c_str(), &info, nullptr, 0, nullptr, 0, nullptr,
-                                   deflates ? Z_DEFLATED : 0, deflates ? kDeflateLevel : 0, kReadyMade, -MAX_WBITS,
-                                   MAX_MEM_LEVEL, Z_DEFAULT_STRATEGY, nullptr, 0, kMadeBy, 0,
+                                   deflates ? Z_DEFLATED : 0, deflates ? kStatedDeflateLevel : 0, kReadyMade,
+                                   -MAX_WBITS, MAX_MEM_LEVEL, Z_DEFAULT_STRATEGY, nullptr, 0, kMadeBy, 0,
                                    kSmallerThan4GiB) == ZIP_OK ||
            fail(error);
 }

@@ -20,6 +20,8 @@ public:
     ~ZipWriter();
     ZipWriter(const ZipWriter&) = delete;
     ZipWriter& operator=(const ZipWriter&) = delete;
+    ZipWriter(ZipWriter&&) = delete;
+    ZipWriter& operator=(ZipWriter&&) = delete;
 
     /// @param maxBytes largest archive that is allowed
     [[nodiscard]] bool create(const std::filesystem::path& target, std::uint64_t maxBytes, std::string& error);

@@ -17,7 +17,7 @@ constexpr const char* kUserAgent = "KelvaneAlphaUpdater/1.0";
 constexpr long kConnectMilliseconds = 5000;
 constexpr long kSilentSeconds = 5;
 
-constexpr unsigned kFound = 200;
+constexpr unsigned kStatusOk = 200;
 
 struct CurlRelease {
     void operator()(CURL* handle) const {
@@ -51,7 +51,7 @@ std::size_t takeBody(char* bytes, std::size_t, std::size_t count, void* context)
     auto& transfer = *static_cast<Transfer*>(context);
     long status = 0;
     curl_easy_getinfo(transfer.handle, CURLINFO_RESPONSE_CODE, &status);
-    if (status != kFound) return count;
+    if (status != kStatusOk) return count;
     transfer.received += count;
     if (isInterrupted())
         transfer.fault = interruptionSentence();

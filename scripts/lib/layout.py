@@ -44,7 +44,7 @@ TIDY = {
     "platform": "windows-test",
     "update": "linux-release",
 }
-LEFT_OUT = {"windows-test": [":!platform/posix"], "linux-release": [":!platform/windows"]}
+LEFT_OUT = {"windows-test": [":!platform/posix", ":!publisher/posix"], "linux-release": [":!platform/windows", ":!publisher/windows"]}
 
 # The release of clang-format and clang-tidy whose judgement counts.
 JUDGING_CLANG = 14
