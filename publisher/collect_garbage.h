@@ -30,8 +30,7 @@ struct GarbageSummary {
 /// disk the objects that no inventory names any more; so a run that ends early leaves nothing that lacks an object, and
 /// the next one completes it.
 ///
-/// @param error receives one sentence, also when an inventory that stays cannot be read: what it needs is then not
-/// known
+/// @param error receives one sentence, also when an inventory that stays cannot be read: what it needs is not known then
 [[nodiscard]] bool collectGarbage(const GarbageRequest& request, Console& console, GarbageSummary& summary,
                                   std::string& error);
 

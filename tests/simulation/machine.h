@@ -34,8 +34,7 @@ enum class Profile {
 /// - no alternate streams (a colon in a name gives 123), hard links, short names, case-sensitive folders, compression
 /// - letters beyond Latin, Greek and Cyrillic are compared exactly
 /// - time stands still but for waiting; what a file's times would be is unknown
-/// - a write has either reached the disk or is lost, file by file; renames are never lost, as losing the last of them
-/// is
+/// - a write has either reached the disk or is lost, file by file; renames are never lost, as losing the last of them is
 ///   losing the power earlier
 /// - a program that is ended is gone at once; a pipe takes any number of bytes
 /// - a lock never waits, a handle is never inherited but the pipe's write end, a process has no threads
