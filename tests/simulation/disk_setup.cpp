@@ -140,6 +140,8 @@ void FileSystem::losePower(const std::vector<Fate>& fates) {
     const std::vector<std::string> paths = unflushed();
     for (std::size_t n = 0; n < paths.size() && !fates.empty(); ++n) {
         const EntryId file = locate(paths[n], Links::keep).entry;
+        // A volume that was taken away meanwhile lost its power then.
+        if (file == kNoEntry) continue;
         const Entry& entry = disk.at(file);
         const Fate fate = fates[n % fates.size()];
         if (fate == Fate::zero) (void)disk.replaceContent(file, contentOf(std::string(entry.content->size(), '\0')));
