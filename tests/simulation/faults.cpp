@@ -5,7 +5,6 @@
 namespace vorthmere::update::simulation {
 namespace {
 
-constexpr Extent none = Extent::none;
 constexpr Extent part = Extent::part;
 constexpr Extent whole = Extent::whole;
 
