@@ -19,7 +19,7 @@ namespace vorthmere::update {
 /// others have open may keep its name until they close it.
 [[nodiscard]] std::error_code deleteFile(const std::filesystem::path& file);
 
-/// Sets the attributes of an entry, of a link itself (SetFileAttributesW).
+/// Sets the attributes of an entry; links are not followed (SetFileAttributesW).
 [[nodiscard]] std::error_code setAttributes(const std::filesystem::path& path, EntryAttributes attributes);
 
 /// Moves one file (MoveFileExW). Replaces an existing target file. Between volumes it copies the file and removes the

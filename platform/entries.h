@@ -42,8 +42,8 @@ struct FolderEntry {
     EntryAttributes attributes;
 };
 
-/// The attributes of an entry, of a link itself (GetFileAttributesW); none after a failure. They can be read even while
-/// others have the file open.
+/// The attributes of an entry; links are not followed (GetFileAttributesW). None after a failure. They can be read even
+/// while others have the file open.
 [[nodiscard]] EntryAttributes entryAttributes(const std::filesystem::path& path, std::error_code& failure);
 
 /// The same, with the size (GetFileAttributesExW).

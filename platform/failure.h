@@ -6,8 +6,8 @@
 namespace vorthmere::update {
 
 /// Most calls of the platform report a failure as a std::error_code with Windows' error number. A call without a result
-/// returns it. A call with a result has it as its last parameter and clears it on success. The other calls say how they
-/// fail. (On Linux a failure is an errno, but platform/entries.h reports a missing entry as `fileNotFound`.)
+/// returns it. A call with a result takes it as its last parameter and clears it on success. The other calls say how
+/// they fail. (On Linux a failure is an errno, but platform/entries.h reports a missing entry as `fileNotFound`.)
 ///
 /// These are the numbers that the program tells apart.
 enum class WindowsError : std::uint32_t {
@@ -28,7 +28,7 @@ enum class WindowsError : std::uint32_t {
 }
 
 /// True for the errors that mean "there is nothing at this path". False for those that mean "unknown": a share or drive
-/// that went away may still hold the file. (A drive that lost its letter too counts as nothing: "path not found".)
+/// that went away may still hold the file. (Without its letter a drive counts as nothing: then it is "path not found".)
 [[nodiscard]] inline bool isNotFound(const std::error_code& failure) {
     return failure == WindowsError::fileNotFound || failure == WindowsError::pathNotFound ||
            failure == WindowsError::invalidName || failure == WindowsError::notADirectory;

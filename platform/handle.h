@@ -53,8 +53,8 @@ private:
     Type handle_ = Traits::none();
 };
 
-/// A handle of unknown content. `closeHandle` closes one and keeps the thread's last error, so that lastErrorNumber()
-/// still tells why a call failed after its handles went out of scope.
+/// A handle that only the platform's sources look into. `closeHandle` closes one and keeps the thread's last error, so
+/// that lastErrorNumber() still tells why a call failed after its handles went out of scope.
 template <void closeHandle(void*) noexcept>
 struct OpaqueHandleTraits {
     using Type = void*;

@@ -27,8 +27,8 @@ struct Pipe {
 /// @param pipe receives the ends that could be opened, also after a failure
 [[nodiscard]] std::error_code openPipe(Pipe& pipe);
 
-/// Starts a program hidden, with its standard output and standard error going into a pipe (CreateProcessW). It inherits
-/// every inheritable handle.
+/// Starts a program hidden, with its standard output and standard error going into a pipe (CreateProcessW). The
+/// program inherits every inheritable handle.
 ///
 /// The paths are passed on as they are, without the prefix for long paths.
 ///

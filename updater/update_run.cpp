@@ -44,7 +44,7 @@ bool makeAnew(const std::filesystem::path& folder, const std::filesystem::path& 
            created.back() == innermost;
 }
 
-// The test comes first, so that a junction in the place of the work folder cannot lead the removal elsewhere.
+// The test comes first, so that a junction with the work folder's name cannot lead the removal elsewhere.
 ExitCode prepareWorkFolder(const WorkFolder& work, std::wstring& error) {
     if (isReparsePoint(work.folder)) {
         error = L"The updater work folder is an unsafe reparse point.";
