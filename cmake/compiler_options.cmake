@@ -1,5 +1,4 @@
-# One interface target with the language level, the warnings and the hardening that everything of this project is built
-# with.
+# One interface target with the language level, the warnings and the hardening for everything that this project builds.
 set(KVN_SANITIZERS "" CACHE STRING "Value for -fsanitize=, empty for none")
 option(KVN_COVERAGE "Count the lines and branches that are run (GCC)" OFF)
 
@@ -23,15 +22,15 @@ target_compile_options(kvn_compiler_options INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast
     -Wformat=2 -Wimplicit-fallthrough -Werror
     -fstack-protector-strong
-    # No path of the machine that builds may stand in the program.
+    # The program must not contain paths of the machine that builds it.
     "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=")
 
 if(MINGW)
-    # LLVM's linker, because GNU ld keeps every function that has unwind data, on this platform all of them: a quarter
-    # of the program would be parts of the C++ library that nothing calls.
+    # For LLVM's linker, which drops functions that nothing calls. GNU ld keeps every function that has unwind data, on
+    # this platform all of them: a quarter of the program would be unused parts of the C++ library.
     target_compile_options(kvn_compiler_options INTERFACE -ffunction-sections -fdata-sections)
-    # The program waits for disk, network and archive tool; what it computes itself are the parsers of update/, which
-    # choose otherwise.
+    # Small code, because the program mostly waits for disk, network and archive tool. What does compute, such as the
+    # parsers of update/, asks for -O2.
     set(CMAKE_CXX_FLAGS_RELEASE "-Os -DNDEBUG")
     target_link_options(kvn_compiler_options INTERFACE
         -static -fstack-protector-strong

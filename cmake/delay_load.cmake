@@ -1,5 +1,5 @@
-# kvn_delay_load(TARGET LIBRARY...): lets a program load system DLLs when it first calls them. Loading takes most of the
-# time that a program needs to start, and a run that finds nothing to do calls few.
+# kvn_delay_load(TARGET LIBRARY...): makes a program load system DLLs at its first call of them. Loading takes most of
+# the time of a start, and a run that finds nothing to do calls few DLLs.
 set(KVN_DELAY_LIBRARY_TOOL "${CMAKE_CURRENT_LIST_DIR}/mingw_linker/delay_library")
 
 function(kvn_delay_load target)
@@ -14,15 +14,15 @@ function(kvn_delay_load target)
                 DEPENDS "${KVN_DELAY_LIBRARY_TOOL}" VERBATIM)
             target_sources(${target} PRIVATE "${file}")
             set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${file}")
-            # As an option the file stands before the other libraries, of which the first that has a function wins.
+            # An option comes before the other libraries, and the linker takes the first library that has a function.
             target_link_options(${target} PRIVATE "${file}" "-Wl,-Xlink=-delayload:${library}.dll")
         endif()
     endforeach()
 endfunction()
 
-# kvn_load_from_system_only(TARGET): lets Windows take the DLLs that a program imports from its own folder alone, from
-# version 1607 on. What the program loads later is its own business. LLVM's linker has no option for this in its role for
-# MinGW, but takes the table in which the flag stands from the program.
+# kvn_load_from_system_only(TARGET): makes Windows, from version 1607 on, load the DLLs that a program imports only from
+# the system's folder. Does not cover DLLs that the program loads later. For MinGW LLVM's linker has no option for this,
+# so the program brings the table with the flag itself.
 function(kvn_load_from_system_only target)
     if(MSVC)
         target_link_options(${target} PRIVATE /DEPENDENTLOADFLAG:0x800)

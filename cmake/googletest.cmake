@@ -1,4 +1,4 @@
-# GoogleTest from Debian's packages: the library for the native compiler, the sources for any other.
+# GoogleTest from Debian's packages: the library for the native compiler, the sources for a cross-compiler.
 if(CMAKE_CROSSCOMPILING)
     add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)
 else()

@@ -1,5 +1,5 @@
-# Cross-builds for 64-bit Windows with Debian's MinGW-w64 (the variant with POSIX threads, which std::thread needs) and
-# runs what was built under Wine.
+# Builds for 64-bit Windows with Debian's MinGW-w64, in the variant with POSIX threads, which std::thread needs. Runs
+# the built programs under Wine.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)

@@ -1,5 +1,5 @@
-# What kvn-release.exe is linked with: libraries that scripts/setup has built, zlib from Debian's package, and libraries of
-# headers alone, which are the same for every system.
+# The libraries of kvn-release.exe: those that scripts/setup has built, zlib from Debian's package, and header-only
+# libraries, which are the same for every system.
 if(DEFINED ENV{XDG_CACHE_HOME})
     set(defaultCache "$ENV{XDG_CACHE_HOME}")
 else()
@@ -24,7 +24,7 @@ target_compile_definitions(LibArchive::LibArchive INTERFACE LIBARCHIVE_STATIC)
 target_link_libraries(LibArchive::LibArchive INTERFACE
     "${KVN_WINDOWS_LIBRARIES}/lib/libarchive.a" ZLIB::ZLIB bcrypt ws2_32)
 
-# The folder of the machine's own headers as a whole would hide those for Windows.
+# Only links to single folders: /usr/include as a whole would hide the headers for Windows.
 file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/headers")
 foreach(library CLI nlohmann)
     file(CREATE_LINK "/usr/include/${library}" "${CMAKE_BINARY_DIR}/headers/${library}" SYMBOLIC)

@@ -9,7 +9,7 @@
 namespace vorthmere::update {
 namespace {
 
-/// True for a drive and for a network share: what would be their parent is no folder.
+/// True for a drive and for a network share, which have no parent folder.
 bool isRoot(const std::filesystem::path& path) {
     const auto isSeparator = [](auto c) { return c == '/' || c == '\\'; };
     const std::filesystem::path::string_type& name = path.native();
@@ -31,11 +31,12 @@ std::filesystem::path absolutePath(const std::filesystem::path& path) {
 std::filesystem::path weaklyCanonicalPath(const std::filesystem::path& path, std::error_code& failure) {
     failure.clear();
     if (path.empty()) return {};
-    // What is there is named as it is: folding its path would drop a last dot, and take a file NUL .txt for a device.
+    // An existing file is opened before its path is folded: folding drops a dot at the end of a name and takes the file
+    // "NUL .txt" for a device.
     if (const FileHandle file = openForItsName(path, failure)) return finalPath(file, failure);
     if (!isNotFound(failure)) return {};
-    // The system folds "." and "..": path::lexically_normal() takes one of the two backslashes with which the path of a
-    // network folder begins, where the library does not know such paths.
+    // The system folds "." and "..", not path::lexically_normal(): not every library knows the paths of network
+    // folders, and then it drops one of the two backslashes that they begin with.
     std::filesystem::path whole = fullPath(path, failure);
     if (failure) return {};
     std::filesystem::path existing = whole;
@@ -43,8 +44,8 @@ std::filesystem::path weaklyCanonicalPath(const std::filesystem::path& path, std
     while (!isRoot(existing)) {
         rest = rest.empty() ? existing.filename() : existing.filename() / rest;
         existing = existing.parent_path();
-        // Whatever the name of an open folder fails with, the folder is there: for a volume without a letter it is
-        // "path not found".
+        // The folder is there, so a failure to resolve its path is final, even "path not found": that is the error for
+        // a volume without a letter.
         if (const FileHandle file = openForItsName(existing, failure)) {
             const std::filesystem::path resolved = finalPath(file, failure);
             return failure ? resolved : resolved / rest;

@@ -5,16 +5,17 @@
 
 namespace vorthmere::update {
 
-/// Makes a path absolute by the platform's rule: relative to the current directory, "." and ".." folded. An empty path
+/// Makes a path absolute as fullPath() does: relative to the current folder, with "." and ".." folded. An empty path
 /// stays empty.
 ///
-/// @throws std::filesystem::filesystem_error "absolute", when the platform cannot tell
+/// @throws std::filesystem::filesystem_error "absolute", when the platform fails
 [[nodiscard]] std::filesystem::path absolutePath(const std::filesystem::path& path);
 
-/// The longest existing leading part of an absolute path, with every link and junction in it resolved, followed by the
-/// rest, "." and ".." folded.
+/// Resolves a path of which a part need not exist: every link and junction in the longest existing leading part is
+/// resolved, the rest follows as it is, and "." and ".." are folded. An empty path stays empty.
 ///
-/// @param failure cleared, or set when an existing part cannot be resolved; then the result is empty
+/// @param failure cleared, or set when an existing part cannot be resolved or the path cannot be made absolute
+/// @return an absolute path; empty after a failure
 [[nodiscard]] std::filesystem::path weaklyCanonicalPath(const std::filesystem::path& path, std::error_code& failure);
 
 }  // namespace vorthmere::update

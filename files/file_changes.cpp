@@ -9,7 +9,7 @@ namespace {
 
 using RemoveCall = std::error_code (*)(const std::filesystem::path&);
 
-/// Calls `remove`, and once more without the read-only attribute when that is what stood in the way.
+/// Calls `remove`. If the read-only attribute prevents the removal, takes it away and calls `remove` once more.
 std::error_code removeEntry(const std::filesystem::path& path, RemoveCall remove) {
     const std::error_code refusal = remove(path);
     if (refusal != WindowsError::accessDenied) return refusal;
@@ -26,8 +26,8 @@ std::error_code whyAbsent(const std::filesystem::path& path) {
     return failure;
 }
 
-/// Whether an entry that was there a moment ago is gone. The error "path not found" alone does not tell: somebody may
-/// have removed the folder with all that it held, but a path that is too long for the system gives it as well.
+/// Whether an entry that was there a moment ago is gone. The error "path not found" alone does not prove it: it can
+/// mean that somebody removed the parent folder too, but also that the path is too long for the system.
 bool hasVanished(const std::filesystem::path& entry, const std::error_code& reason) {
     if (reason != WindowsError::pathNotFound) return reason == WindowsError::fileNotFound;
     const std::error_code absence = whyAbsent(entry);
@@ -49,7 +49,7 @@ std::error_code removeContent(const std::filesystem::path& folder) {
 std::error_code removeListed(const std::filesystem::path& path, EntryAttributes attributes) {
     std::error_code failure;
     if (attributes.isFolder() && !attributes.isReparsePoint()) failure = removeContent(path);
-    // A folder that is said to be gone is removed all the same: if it is still there, and not empty, that fails.
+    // A folder that seems to be gone is removed all the same: if it is still there and not empty, that fails.
     if (!failure || hasVanished(path, failure))
         failure = removeEntry(path, attributes.isFolder() ? removeEmptyFolder : deleteFile);
     return failure && hasVanished(path, failure) ? std::error_code() : failure;
@@ -68,7 +68,7 @@ std::error_code createFolders(const std::filesystem::path& folder, std::vector<s
         created.push_back(folder);
         return {};
     }
-    // Whatever the reason given, a folder that is there is what was asked for; one that leads to a file is not.
+    // Whatever the failure was, an existing folder is a success, also as a link to a folder. A link to a file is none.
     std::error_code unknown;
     return fileType(folder, unknown) == FileType::directory ? std::error_code() : failure;
 }

@@ -6,7 +6,7 @@
 namespace vorthmere::update {
 namespace {
 
-// Only opening the path follows a link; most paths are none, and asking for the entry is cheaper.
+// Following a link takes opening the path. Most paths are no links, and reading the entry is cheaper.
 EntryFacts factsFollowingLinks(const std::filesystem::path& path, std::error_code& failure) {
     const EntryFacts entry = entryFacts(path, failure);
     return !failure && entry.attributes.isReparsePoint() ? targetFacts(path, failure) : entry;

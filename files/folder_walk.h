@@ -6,7 +6,8 @@
 
 namespace vorthmere::update {
 
-/// Visits every entry below a folder, each folder before its content, without entering reparse points.
+/// Visits every entry below a folder, each folder before the entries in it. Visits reparse points but does not enter
+/// them.
 ///
 /// @param visit   called with each entry's path; returns false to stop the walk
 /// @param failure cleared, or set when a folder cannot be read

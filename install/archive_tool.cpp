@@ -22,7 +22,7 @@ std::wstring buildCommandLine(const std::filesystem::path& toolPath, const std::
     return commandLine;
 }
 
-/// Reads until the pipe breaks, which is how the tool's end shows. False when the output passes its limit.
+/// Reads until the pipe breaks, which it does when the tool ends. False when the output is larger than its limit.
 bool drain(const FileHandle& readEnd, std::string& output) {
     std::array<char, kReadChunkBytes> chunk{};
     std::error_code broken;

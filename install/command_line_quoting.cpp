@@ -4,7 +4,7 @@
 
 namespace vorthmere::update {
 
-// Backslashes are literal unless a double quote follows them; then two mean one, and one more escapes the quote.
+// Backslashes are literal unless a double quote follows them. Then two mean one, and one more escapes the quote.
 std::wstring quoteCommandLineArgument(std::wstring_view text) {
     std::wstring quoted = L"\"";
     std::size_t backslashes = 0;

@@ -5,8 +5,8 @@
 
 namespace vorthmere::update {
 
-/// Quotes one argument for a Windows command line, so that the platform's splitting rules (CommandLineToArgvW) read it
-/// back as exactly `text`. Every argument gets quotes, also one without blanks; an empty one becomes two quotes.
+/// Quotes one argument for a Windows command line, so that CommandLineToArgvW reads it back as exactly `text`. Every
+/// argument gets quotes, even without blanks; an empty one becomes two quotes.
 [[nodiscard]] std::wstring quoteCommandLineArgument(std::wstring_view text);
 
 }  // namespace vorthmere::update

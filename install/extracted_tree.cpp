@@ -13,8 +13,7 @@
 namespace vorthmere::update {
 namespace {
 
-/// Names files by their paths below a folder, both as the platform finally resolves them: the folder once, for the
-/// first file.
+/// Tells a file's path below a folder, with all links in both resolved. Resolves the folder only once.
 class NamesBelow {
 public:
     explicit NamesBelow(const std::filesystem::path& folder) : folder_(folder) {}

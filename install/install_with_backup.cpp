@@ -19,7 +19,7 @@ namespace {
 using Paths = std::vector<std::string>;
 using Folders = std::vector<std::filesystem::path>;
 
-/// One installation: the folders, and what was moved so far.
+/// The folders, and what has been moved so far.
 struct Installation {
     const std::filesystem::path& folder;
     const std::filesystem::path& source;
@@ -33,11 +33,11 @@ bool moveBetween(const std::filesystem::path& from, const std::filesystem::path&
     return !moveFile(from / path, to / path);
 }
 
-/// Creates the parent folders of files below one folder. Neighbours in a list mostly share a parent, and finding a folder
-/// takes the system as long as creating one, so the last parent is not tried again.
+/// Creates the parent folders of files below one folder. Does not try the last parent again: neighbours in a list
+/// mostly share a parent, and finding a folder takes the system as long as creating one.
 class ParentFolders {
 public:
-    /// @param made receives the folders that were not there before
+    /// @param made receives the folders that were created, parents first
     ParentFolders(const std::filesystem::path& folder, Folders& made) : folder_(folder), made_(made) {}
 
     bool create(std::string_view path) {
@@ -54,7 +54,7 @@ private:
     std::optional<std::string> last_;
 };
 
-/// Whether a move that failed moved the file all the same, as may happen over a network. What else is at the target then
+/// Whether a move that failed moved the file all the same, as may happen over a network. If not, a file at the target
 /// is not ours to take back.
 bool tookEffect(const std::error_code& failure, const std::filesystem::path& source) {
     std::error_code unknown;
@@ -93,16 +93,15 @@ bool moveIn(Installation& installation, const Paths& pathsToInstall, std::wstrin
     return true;
 }
 
-// A file that is only deleted keeps its name as long as somebody holds it open, and the old file could not return to
-// it. One that is moved frees its name at once.
+// The file is moved before it is deleted. A deleted file keeps its name while somebody has it open, and the old file
+// could not return. A moved file frees its name at once.
 void takeOut(const Installation& installation, const std::string& path) {
     const bool moved = moveBetween(installation.folder, installation.source, path);
     static_cast<void>(removeFile((moved ? installation.source : installation.folder) / path));
 }
 
-// All in reverse: a file leaves before the one that it replaced returns, and so does a folder that took the place of a
-// file. One step that fails does not keep the others from saving what can be saved; the failure that led here is the
-// one worth reporting.
+// Everything in reverse: a new file leaves before the old file returns, and so does a new folder with the name of an
+// old file. A step that fails does not stop the others, and is not reported: the failure before the rollback is.
 void rollBack(const Installation& installation) {
     for (auto path = installation.installed.rbegin(); path != installation.installed.rend(); ++path)
         takeOut(installation, *path);

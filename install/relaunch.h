@@ -5,11 +5,12 @@
 
 namespace vorthmere::update {
 
-/// Starts the game without arguments, in the installation folder and with no handle of the updater.
+/// Starts the game in the installation folder, without arguments and without handles of the updater.
 ///
 /// @param installationFolder absolute, canonical folder of the installation
-/// @param error              receives "Unable to relaunch Kelvane (error N)." with the Windows error number
-/// @return true when the process was created; it is neither waited for nor watched
+/// @param error              receives the sentence of a failure
+/// @return true when the process was created; its end is not waited for. False with "Unable to relaunch Kelvane (error
+///         N).", N being the Windows error.
 [[nodiscard]] bool relaunchGame(const std::filesystem::path& installationFolder, std::wstring& error);
 
 }  // namespace vorthmere::update

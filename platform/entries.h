@@ -9,14 +9,14 @@
 
 namespace vorthmere::update {
 
-/// What a folder says of one of its entries. A link is described itself, not what it leads to.
+/// The attributes of a file or folder. Those of a link describe the link, unless a function follows it.
 struct EntryAttributes {
     static constexpr std::uint32_t kReadOnly = 0x1;
     static constexpr std::uint32_t kFolder = 0x10;
     static constexpr std::uint32_t kDevice = 0x40;
     static constexpr std::uint32_t kReparsePoint = 0x400;
 
-    std::uint32_t bits = 0;  ///< Windows' file attributes, those without a name here included
+    std::uint32_t bits = 0;  ///< all of Windows' file attributes, also those without a name here
 
     [[nodiscard]] constexpr bool isReadOnly() const {
         return (bits & kReadOnly) != 0;
@@ -34,7 +34,7 @@ struct EntryAttributes {
 
 struct EntryFacts {
     EntryAttributes attributes;
-    std::uint64_t size = 0;  ///< bytes; means nothing for a folder
+    std::uint64_t size = 0;  ///< bytes; meaningless for a folder
 };
 
 struct FolderEntry {
@@ -42,27 +42,31 @@ struct FolderEntry {
     EntryAttributes attributes;
 };
 
-/// The attributes of an entry itself (GetFileAttributesW); none after a failure. They can be read whoever holds the file.
+/// The attributes of an entry; links are not followed (GetFileAttributesW). None after a failure. They can be read even
+/// while others have the file open.
 [[nodiscard]] EntryAttributes entryAttributes(const std::filesystem::path& path, std::error_code& failure);
 
-/// The same with the size (GetFileAttributesExW).
+/// The same, with the size (GetFileAttributesExW).
 [[nodiscard]] EntryFacts entryFacts(const std::filesystem::path& path, std::error_code& failure);
 
-/// What a path leads to, links followed (CreateFileW without any access, GetFileInformationByHandle).
+/// Attributes and size of what a path leads to, links followed (openForItsName(), GetFileInformationByHandle).
 [[nodiscard]] EntryFacts targetFacts(const std::filesystem::path& path, std::error_code& failure);
 
-/// All entries of one folder but "." and "..", in no order that could be relied on (FindFirstFileExW, FindNextFileW).
+/// All entries of one folder but "." and "..", in no particular order (FindFirstFileExW, FindNextFileW).
 ///
-/// @param failure also set when the listing breaks off; the entries read until then are returned
+/// @param failure also set when the listing breaks off; the result then has the entries read so far
 [[nodiscard]] std::vector<FolderEntry> listFolder(const std::filesystem::path& folder, std::error_code& failure);
 
-/// An absolute path with "." and ".." folded, relative to the current folder (GetFullPathNameW). Asks no disk.
+/// Makes a path absolute, relative to the current folder, and folds "." and ".." (GetFullPathNameW). Reads no disk. The
+/// system alters some names: "a." becomes "a", and a device's name becomes the device.
 [[nodiscard]] std::filesystem::path fullPath(const std::filesystem::path& path, std::error_code& failure);
 
-/// Opens what a path leads to, only to ask for its name (CreateFileW).
+/// Opens the file or folder that a path leads to, only to read its name and attributes (CreateFileW). Meanwhile others
+/// may read, write, rename and remove it.
 [[nodiscard]] FileHandle openForItsName(const std::filesystem::path& path, std::error_code& failure);
 
-/// The path of an open file or folder with every link resolved (GetFinalPathNameByHandleW), without the "\\?\" prefix.
+/// The path of an open file or folder with every link resolved (GetFinalPathNameByHandleW), without the "\\?\"
+/// or "\\?\UNC\" in front.
 [[nodiscard]] std::filesystem::path finalPath(const FileHandle& file, std::error_code& failure);
 
 }  // namespace vorthmere::update

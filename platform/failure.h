@@ -5,9 +5,11 @@
 
 namespace vorthmere::update {
 
-/// Most calls of the platform tell why they failed by Windows' error number, as a std::error_code: one that only acts
-/// returns it, one that yields something takes it as its last parameter and clears it on success. The others say in
-/// their headers how they fail. These are the numbers that the program tells apart.
+/// Most calls of the platform report a failure as a std::error_code with Windows' error number. A call without a result
+/// returns it. A call with a result takes it as its last parameter and clears it on success. The other calls say how
+/// they fail. (On Linux a failure is an errno, but platform/entries.h reports a missing entry as `fileNotFound`.)
+///
+/// These are the numbers that the program tells apart.
 enum class WindowsError : std::uint32_t {
     fileNotFound = 2,
     pathNotFound = 3,
@@ -25,15 +27,15 @@ enum class WindowsError : std::uint32_t {
     return failure.category() == std::system_category() && failure.value() == static_cast<int>(error);
 }
 
-/// True for the errors that mean "there is nothing at this path", as opposed to "it cannot be told": a share or a drive
-/// that went away may have what is looked for. (Where its letter went with it, the number is "path not found".)
+/// True for the errors that mean "there is nothing at this path". False for those that mean "unknown": a share or drive
+/// that went away may still hold the file. (Without its letter a drive counts as nothing: then it is "path not found".)
 [[nodiscard]] inline bool isNotFound(const std::error_code& failure) {
     return failure == WindowsError::fileNotFound || failure == WindowsError::pathNotFound ||
            failure == WindowsError::invalidName || failure == WindowsError::notADirectory;
 }
 
-/// The calling thread's last error as the system has it, also 0 (GetLastError); to be called before anything else can
-/// replace it. Closing a handle does not.
+/// The calling thread's last error as the system has it, possibly 0 (GetLastError). Call it before anything else can
+/// replace the error. Closing a handle of the platform does not replace it.
 [[nodiscard]] std::uint32_t lastErrorNumber();
 
 }  // namespace vorthmere::update

@@ -7,7 +7,7 @@ namespace vorthmere::update {
 /// Owns one handle and closes it at the end of its life.
 ///
 /// `Traits` names the handle's type (`Type`), the value that means "none" (`none()`), and how to close one
-/// (`close(Type)`). Storing a handle closes the one that was held before.
+/// (`close(Type)`). Storing a handle closes the previous one.
 template <typename Traits>
 class UniqueHandle {
 public:
@@ -43,7 +43,7 @@ public:
         if (previous != Traits::none() && previous != handle) Traits::close(previous);
     }
 
-    /// Closes the handle held and gives the place where a call may put a new one.
+    /// Closes the handle and returns the address where a call may store a new one.
     [[nodiscard]] Type* receive() noexcept {
         reset();
         return &handle_;
@@ -53,8 +53,8 @@ private:
     Type handle_ = Traits::none();
 };
 
-/// A handle whose holder does not look inside. `closeHandle` closes one and keeps the thread's last error, so that a
-/// failed call can still be asked for its reason after the end of a scope.
+/// A handle that only the platform's sources look into. `closeHandle` closes one and keeps the thread's last error, so
+/// that lastErrorNumber() still tells why a call failed after its handles went out of scope.
 template <void closeHandle(void*) noexcept>
 struct OpaqueHandleTraits {
     using Type = void*;

@@ -15,33 +15,40 @@ void closeProcessHandle(void* handle) noexcept;
 
 using ProcessHandle = UniqueHandle<OpaqueHandleTraits<closeProcessHandle>>;
 
-/// A pipe of which a child process may inherit the write end alone: a child with the read end would keep the pipe from
-/// ever breaking.
+/// A pipe whose write end child processes inherit. They do not inherit the read end: a child that held it would block
+/// when nobody reads any more, instead of failing to write.
 struct Pipe {
     FileHandle readEnd;
     FileHandle writeEnd;
 };
 
-/// @param pipe holds what could be opened, whether the call succeeds or not
+/// Opens a pipe (CreatePipe).
+///
+/// @param pipe receives the ends that could be opened, also after a failure
 [[nodiscard]] std::error_code openPipe(Pipe& pipe);
 
-/// Starts a program hidden, with its standard output and standard error going into a pipe (CreateProcessW).
+/// Starts a program hidden, with its standard output and standard error going into a pipe (CreateProcessW). The
+/// program inherits every inheritable handle.
 ///
-/// @param program       full path; like the next two in its plain form, which the system limits to 259 characters
-/// @param commandLine   the whole of it, the program's name quoted in front
-/// @param workingFolder exists; of 258 characters at most, whatever the machine's settings: else error 267
-/// @param output        write end of a pipe; still the caller's afterwards
-/// @return the process, empty after a failure
+/// The paths are passed on as they are, without the prefix for long paths.
+///
+/// @param program       full path
+/// @param commandLine   begins with the program's name, quoted
+/// @param workingFolder an existing folder; with more than 258 characters the call fails with error 267
+/// @param output        write end of a pipe; stays the caller's
+/// @return the process; empty after a failure
 [[nodiscard]] ProcessHandle startCaptured(const std::filesystem::path& program, std::wstring commandLine,
                                           const std::filesystem::path& workingFolder, const FileHandle& output,
                                           std::error_code& failure);
 
-/// Starts a program that inherits no handle, shows itself as it likes, and is neither waited for nor watched.
+/// Starts a program that inherits neither handles nor the error mode (CreateProcessW), and does not wait for it. The
+/// parameters are those of startCaptured().
 [[nodiscard]] std::error_code startProgram(const std::filesystem::path& program, std::wstring commandLine,
                                            const std::filesystem::path& workingFolder);
 
-/// Opens a running process, for waiting only (OpenProcess). `failure` is WindowsError::invalidParameter when there is
-/// no such process.
+/// Opens a running process, only to wait for it (OpenProcess).
+///
+/// @param failure WindowsError::invalidParameter when there is no such process
 [[nodiscard]] ProcessHandle openProcess(std::uint32_t processId, std::error_code& failure);
 
 inline constexpr std::uint32_t kWaitForever = 0xFFFFFFFF;
@@ -49,18 +56,18 @@ inline constexpr std::uint32_t kWaitForever = 0xFFFFFFFF;
 /// Waits for a process to end (WaitForSingleObject).
 ///
 /// @param milliseconds longest wait, or kWaitForever
-/// @return true when it has ended; false when the time is over or the process cannot be waited for
+/// @return true when it has ended; false when the time has run out or the wait failed
 [[nodiscard]] bool waitForEnd(const ProcessHandle& process, std::uint32_t milliseconds);
 
-/// Ends a process and does not wait for its end (TerminateProcess).
+/// Ends a process by force, without waiting for its end (TerminateProcess).
 void endProcess(const ProcessHandle& process, std::uint32_t exitCode);
 
 /// The exit code of a process that has ended (GetExitCodeProcess).
 ///
-/// @param unknown returned when it cannot be read
+/// @param unknown returned when the exit code cannot be read
 [[nodiscard]] std::uint32_t exitCodeOf(const ProcessHandle& process, std::uint32_t unknown);
 
-/// The folder of the system's own programs (GetSystemDirectoryW); empty when it cannot be told or has more than
+/// The folder of the system's own programs (GetSystemDirectoryW). Empty on failure, and when it has more than
 /// kMaxSystemFolderLength characters.
 [[nodiscard]] std::filesystem::path systemFolder();
 

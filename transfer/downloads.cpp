@@ -20,7 +20,7 @@ std::optional<std::uint32_t> advertisedLength(const InternetHandle& request) {
     return queryContentLength(request, length) ? std::optional(length) : std::nullopt;
 }
 
-/// One answered request; the handles close themselves in the order that they have to.
+/// One answered request. The handles close in the right order, the request first.
 struct Exchange {
     InternetHandle session;
     InternetHandle connection;

@@ -37,7 +37,7 @@ bool sha256File(const std::filesystem::path& path, std::string& digest, std::wst
     if (!provider || !digestMemorySize(provider, memoryBytes))
         return fail(error, L"Windows could not initialize SHA-256 verification.");
 
-    // Declared before the digest that works in it, and so freed after it.
+    // Declared before the digest that uses it, and so freed after it.
     std::vector<std::uint8_t> memory(memoryBytes);
     const Digest hash = beginDigest(provider, memory.data(), memoryBytes);
     if (!hash) return fail(error, L"Windows could not create the SHA-256 verifier.");
@@ -51,7 +51,7 @@ bool sha256File(const std::filesystem::path& path, std::string& digest, std::wst
         if (!digestBytes(hash, block.data(), static_cast<std::uint32_t>(count)))
             return fail(error, L"Windows could not hash the update archive.");
 
-    // Only the end of the file may have ended the reading: a digest of a part of it proves nothing.
+    // A failed read ends the loop as well, and the digest of a part of the file proves nothing.
     DigestBytes bytes{};
     if (failure || !finishDigest(hash, bytes)) return fail(error, L"Windows could not finish SHA-256 verification.");
     digest = toHexadecimal(bytes);

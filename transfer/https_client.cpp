@@ -11,7 +11,7 @@ constexpr const wchar_t* kNoCacheHeader = L"Cache-Control: no-cache\r\n";
 constexpr InternetTimeouts kTimeouts{.resolve = 2500, .connect = 2500, .send = 3000, .receive = 5000};
 constexpr std::uint32_t kStatusOk = 200;
 
-/// What the host is asked for: path and query, unchanged.
+/// What the request asks the host for: path and query, unchanged.
 std::wstring objectNameOf(const InternetAddress& address) {
     const std::wstring name = address.path + address.extraInfo;
     return name.empty() ? L"/" : name;

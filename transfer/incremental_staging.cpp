@@ -24,11 +24,11 @@
 namespace vorthmere::update {
 namespace {
 
-/// What the check of the installation found.
+/// Which files the installation already has, and what the others amount to.
 struct ReusePlan {
-    std::vector<bool> reuse;  ///< one flag per inventory entry: the installed file already equals it
+    std::vector<bool> reuse;  ///< one flag for each inventory entry: the installed file equals it
     std::uint64_t bytesToFetch = 0;
-    std::uint64_t fetchTotal = 0;  ///< files
+    std::uint64_t fetchTotal = 0;  ///< number of files to fetch
 };
 
 bool obtainInventory(const Arguments& arguments, const Manifest& manifest, const std::filesystem::path& inventoryPath,
@@ -63,7 +63,7 @@ bool checkInstalledFiles(const std::filesystem::path& install, const std::vector
     return true;
 }
 
-/// Fetches the changed files one by one and tells how far along it is.
+/// Fetches the changed files one by one and reports its progress.
 class ObjectFetcher {
 public:
     ObjectFetcher(const Arguments& arguments, const ReusePlan& plan, IncrementalTransfer& transfer,

@@ -12,8 +12,8 @@ struct IncrementalTransfer {
     std::uint64_t bytes = 0;       ///< sum of the sizes of the fetched files
 };
 
-/// Write `transfer.txt` into the work folder, one "key=value" a line, lines ending in CR LF. For the player's
-/// information only: nothing reads it, and a failure to write it is ignored.
+/// Write the transfer report, `transfer.txt` in the work folder, after an incremental update or an update from the
+/// package: one "key=value" a line, lines ending in CR LF. The updater never reads it; a failure to write is ignored.
 void writeTransferReport(const std::filesystem::path& workFolder, const IncrementalTransfer& transfer);
 void writeFullTransferReport(const std::filesystem::path& workFolder, std::uint64_t packageBytes);
 

@@ -6,8 +6,8 @@
 
 namespace vorthmere::update {
 
-/// Character classes and case conversion that know ASCII only, whatever the locale; bytes from 128 on belong to no
-/// class.
+/// Character classes and case conversion for ASCII, whatever the locale. Bytes from 128 on are in no class and stay as
+/// they are.
 
 constexpr bool isAsciiDigit(char c) {
     return c >= '0' && c <= '9';

@@ -4,9 +4,10 @@
 
 namespace vorthmere::update {
 
-/// How the program ends. A number never changes its meaning, and one that is no longer used is never used again.
+/// The program's exit codes. A number never changes its meaning, and an abandoned number is never used again.
+/// docs/failures.md lists each code with its sentences.
 enum class ExitCode : int {
-    noOutcome = -1,  ///< the window closed without an outcome
+    noOutcome = -1,  ///< the window closed before the run reported its outcome
     done = 0,        ///< updated, or already current
     commandLineRejected = 2,
     windowClassNotRegistered = 3,
@@ -32,7 +33,7 @@ enum class ExitCode : int {
     relaunchFailed = 28,
 };
 
-/// What the process ends with when an exception leaves the run: Windows' code for a fatal end of an application.
+/// The exit code after an exception that nobody caught: Windows' code for the fatal exit of an application.
 inline constexpr std::uint32_t kAbnormalExitCode = 0x40000015;
 
 }  // namespace vorthmere::update

@@ -5,7 +5,7 @@
 
 namespace vorthmere::update {
 
-/// Leaves a failure's sentence, so that an operation can end with `return fail(error, ...)`.
+/// Stores a failure's sentence, so that an operation can end with `return fail(error, ...)`.
 ///
 /// @return false
 inline bool fail(std::wstring& error, std::wstring_view sentence) {

@@ -62,7 +62,7 @@ bool parseFileInventory(std::string_view text, const Manifest& manifest, std::ve
             size > kMaxReleaseBytes - total || entries.size() >= kMaxManagedFiles)
             return fail(error, "File inventory contains an unsafe path, size, or checksum.");
 
-        // The path rules refuse the work folder already; this check does not rely on them.
+        // The path rules already refuse the work folder. This check does not rely on them.
         std::string key = toAsciiLower(path);
         if (isInWorkFolder(key) || !keys.insert(std::move(key)).second)
             return fail(error, "File inventory contains a reserved or duplicate path.");

@@ -19,17 +19,22 @@ struct InventoryEntry {
     friend bool operator==(const InventoryEntry&, const InventoryEntry&) = default;
 };
 
-/// The first five lines of a release's inventory; they bind it to its manifest.
+/// The first five lines of a release's inventory. They bind it to the manifest.
 [[nodiscard]] std::array<std::string, 5> inventoryHeader(const Manifest& manifest);
 
 /// Parses a file inventory, format "KVN-FILES/1", and checks that it belongs to one release.
 ///
 /// @param text     the file's bytes
-/// @param manifest the selected release, whose digest, release, protocol and version the header must repeat
-/// @param entries  emptied on entry; on success at most 1024 entries in the order of the lines, no path equal to or a
-///                 parent of another in any letter case, at most 2 GiB in sum; not to be used after a failure
-/// @param error    cleared on entry; on failure the sentence that names the first fault found
-/// @return true when the inventory is valid and its paths make a valid managed-file list
+/// @param manifest the release, whose digest, number, protocol and version the header must repeat
+/// @param entries  emptied on entry; on success at most kMaxManagedFiles entries in the order of the lines, of at most
+///                 kMaxReleaseBytes together, no path equal to or a parent of another in any letter case; not to be
+///                 used after a failure
+/// @param error    cleared on entry; on failure the sentence of the first fault found
+/// @return true when the inventory is valid, names `kvn_release.txt`, and its paths make a valid managed-file list.
+///         False with "File inventory size is invalid.", "File inventory does not match the selected release.", "File
+///         inventory record is malformed.", "File inventory contains an unsafe path, size, or checksum.", "File
+///         inventory contains a reserved or duplicate path.", "File inventory has conflicting file and directory
+///         paths.", "File inventory is missing release metadata.", or parseManagedFileList()'s sentence.
 [[nodiscard]] bool parseFileInventory(std::string_view text, const Manifest& manifest,
                                       std::vector<InventoryEntry>& entries, std::string& error);
 

@@ -4,20 +4,20 @@
 
 namespace vorthmere::update {
 
-/// Judges a path that came from outside, before it is used below the game folder.
+/// Judges a path from outside, before it is used below the game folder.
 ///
-/// Accepted are short ASCII paths with "/" as the only separator that stay inside the folder, name no Windows device
-/// and not the updater's work folder (at any depth, in any letter case), and hold nothing that Windows would silently
-/// alter.
+/// A safe path has at most kMaxManagedPathBytes. Its components are separated by "/" and consist of ASCII letters,
+/// digits, blanks, "-", "." and "_". None is empty, ".", "..", a Windows device (also with an extension) or the
+/// work folder, in any letter case. None ends in "." or a blank, which Windows would drop.
 ///
 /// @param path               the path, taken exactly as written
-/// @param allowTrailingSlash accept one "/" at the end, as archive listings write folders
-/// @return true when the path may be used; there is no message, each caller has its own
+/// @param allowTrailingSlash accept one "/" at the end, which marks folders in an archive's listing
+/// @return true when the path is safe; there is no sentence for a failure
 [[nodiscard]] bool isSafeRelativePath(std::string_view path, bool allowTrailingSlash);
 
 /// Takes the next line off `remaining`, up to the next line feed or the end.
 ///
-/// @param remaining the text not yet consumed; afterwards it starts after the line feed, or is empty
+/// @param remaining the text not yet read; afterwards it starts after the line feed, or is empty
 /// @return the line without its line feed and without one carriage return before it
 std::string_view nextLine(std::string_view& remaining);
 

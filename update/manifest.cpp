@@ -56,7 +56,7 @@ bool readSha256(std::string_view value, Manifest& manifest) {
     return true;
 }
 
-// Only the bytes of a name may follow the prefix, so every package is directly in the channel's download folder.
+// Only the bytes of a name may follow the prefix, so that every package lies directly in the channel's folder.
 bool readUrl(std::string_view value, Manifest& manifest) {
     constexpr std::size_t prefixLength = kDownloadBaseUrl.size() + kPackageNamePrefix.size();
     constexpr std::size_t shortestTail = kPackageNameSuffix.size() + 1;
@@ -93,7 +93,7 @@ constexpr std::array<Field, 8> kFields = {{
     {"notes", readNotes, "Manifest notes are invalid."},
 }};
 
-/// The text after the last line feed is a line too, though often an empty one.
+/// The text after the last line feed is a line too, often an empty one.
 std::vector<std::string_view> splitLines(std::string_view text) {
     std::vector<std::string_view> lines;
     bool feedFollows = true;

@@ -8,13 +8,13 @@
 
 namespace vorthmere::update {
 
-/// Receives a status text and a percentage; may be empty.
+/// Receives a status text and a percentage of the run, 0 to 100; may be empty.
 using ProgressCallback = std::function<void(std::wstring text, std::uint32_t percent)>;
 
-/// Receives the bytes of one download so far and the bytes expected (0 = unknown); may be empty.
+/// Receives the bytes of one download so far and the bytes expected, 0 when unknown; may be empty.
 using ByteProgressCallback = std::function<void(std::uint64_t received, std::uint64_t expected)>;
 
-/// Hands `text` and `percent`, capped at 100, to `progress`; does nothing when that is empty.
+/// Passes `text` and `percent`, at most 100, to `progress`. Does nothing when `progress` is empty.
 void reportProgress(const ProgressCallback& progress, std::wstring text, std::uint32_t percent);
 
 /// The same with a step of the timetable.

@@ -5,49 +5,50 @@
 
 namespace vorthmere::update {
 
-/// Where the release channel lives: set by the build as KVN_DOWNLOAD_BASE_URL and fixed in the program, so that nothing
-/// outside it can point an installation elsewhere.
+/// The address of the release channel, the base of the addresses of its files. The build sets it
+/// (KVN_DOWNLOAD_BASE_URL) and the program contains it, so that nothing outside the program can lead an installation
+/// elsewhere.
 inline constexpr std::string_view kDownloadBaseUrl = KVN_DOWNLOAD_BASE_URL;
 
 static_assert(kDownloadBaseUrl.starts_with("https://"), "The release channel is served over HTTPS only.");
 static_assert(kDownloadBaseUrl.ends_with("/downloads/"), "The release channel's address ends in /downloads/.");
 
-/// The release manifest's name below the base.
+/// The manifest's name below the base.
 inline constexpr std::string_view kManifestName = "KVN-alpha.manifest";
 
-/// Every package's name begins with this; the manifest's `url` must begin with the base followed by it.
+/// Every package's name begins with this. The manifest's `url` must begin with the base and this.
 inline constexpr std::string_view kPackageNamePrefix = "KVN-";
 
 /// Every package's name ends with this.
 inline constexpr std::string_view kPackageNameSuffix = ".zip";
 
-/// Appended to a package's address, this names the package's file inventory.
+/// A package's address followed by this is the address of the release's inventory.
 inline constexpr std::string_view kInventorySuffix = ".files";
 
-/// An update object is named by the SHA-256 of its content between these two.
+/// The name of an object is the SHA-256 of its content between these two.
 inline constexpr std::string_view kObjectNamePrefix = "KVN-file-";
 inline constexpr std::string_view kObjectNameSuffix = ".bin";
 
-/// Files that every release must hold at its top level.
+/// Files at the top level of every release.
 inline constexpr std::string_view kManagedFileListName = "KVN_MANAGED_FILES.txt";
 inline constexpr std::string_view kGameExecutableName = "Vorthmere.exe";
 inline constexpr std::string_view kUpdaterExecutableName = "KVNUpdater.exe";
 inline constexpr std::string_view kReleaseMarkerName = "kvn_release.txt";
 
-/// The updater's own folder inside the installation; no managed path may name it.
+/// The work folder's name in the installation. No managed path may contain it.
 inline constexpr std::string_view kWorkFolderName = ".kvn-update";
 
-/// The name of the update object with a content.
+/// The name of the object for a file's content.
 ///
 /// @param sha256 digest of the content, 64 lower-case hexadecimal digits
 [[nodiscard]] std::string objectName(std::string_view sha256);
 
 /// The address of a file of the channel.
 ///
-/// @param name its name below the base
+/// @param name the file's name below the base
 [[nodiscard]] std::string channelAddress(std::string_view name);
 
-/// The address of a package's file inventory.
+/// The address of the inventory that belongs to a package.
 [[nodiscard]] std::string inventoryAddress(std::string_view packageAddress);
 
 }  // namespace vorthmere::update

@@ -5,7 +5,7 @@
 
 namespace vorthmere::update {
 
-/// Characters of a SHA-256 digest written in hexadecimal.
+/// Characters of a SHA-256 digest in hexadecimal.
 inline constexpr std::size_t kSha256TextLength = 64;
 
 /// True for exactly 64 hexadecimal digits of either case.

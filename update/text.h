@@ -5,10 +5,10 @@
 
 namespace vorthmere::update {
 
-/// Makes each byte one wide character of the same value: for the ASCII texts of the metadata files.
+/// Turns each byte into a wide character of the same value. For the ASCII texts of the metadata files.
 [[nodiscard]] std::wstring widen(std::string_view text);
 
-/// Makes each ASCII character one byte. Any other character becomes "?", which no managed path may hold.
+/// Turns each ASCII character into a byte, and every other character into "?", which no safe path contains.
 [[nodiscard]] std::string narrow(std::wstring_view text);
 
 }  // namespace vorthmere::update

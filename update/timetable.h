@@ -11,17 +11,17 @@ struct Step {
     std::uint32_t percent = 0;
 };
 
-/// The whole bar.
+/// The whole bar, in percent.
 inline constexpr std::uint32_t kWholePercent = 100;
 
-/// A download, which fills a part of the bar: from `first` to `first` + `span` percent. More text follows the words.
+/// A step that fills a part of the bar, from `first` to `first` + `span` percent. The text shown begins with `text`.
 struct StepRange {
     std::wstring_view text;
     std::uint32_t first = 0;
     std::uint32_t span = 0;
 };
 
-/// All steps of a run, in the order in which they can come.
+/// All steps of a run, in their order. No run takes all of them.
 namespace timetable {
 
 inline constexpr Step checkingChannel{L"Checking the alpha channel...", 5};

@@ -6,11 +6,11 @@
 
 namespace vorthmere::update {
 
-/// Names in the work folder.
+/// Names of files in the work folder.
 inline constexpr std::string_view kInventoryName = "inventory.txt";
 inline constexpr std::string_view kTransferReportName = "transfer.txt";
 
-/// Where one run keeps its files: in the work folder inside the installation, and so on the same volume.
+/// The paths of a run's files. They lie in the work folder inside the installation, and so on the same volume.
 struct WorkFolder {
     explicit WorkFolder(const std::filesystem::path& install)
         : folder(install / kWorkFolderName),
@@ -19,9 +19,9 @@ struct WorkFolder {
           backup(folder / "backup") {}
 
     std::filesystem::path folder;
-    std::filesystem::path package;  ///< the complete package
-    std::filesystem::path staging;  ///< the new release's tree
-    std::filesystem::path backup;   ///< the files that the installation moved aside
+    std::filesystem::path package;  ///< the downloaded or copied package
+    std::filesystem::path staging;  ///< the new release, before it moves in
+    std::filesystem::path backup;   ///< the previous release, after it moved out
 };
 
 }  // namespace vorthmere::update

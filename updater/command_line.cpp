@@ -46,7 +46,7 @@ bool isKnownOption(const OptionValues::value_type& option) {
     return std::find(kValueOptions.begin(), kValueOptions.end(), option.first) != kValueOptions.end();
 }
 
-/// Null when the option was not given.
+/// Null when the option is not there.
 const std::wstring* valueOf(const OptionValues& values, std::wstring_view option) {
     const auto found = values.find(option);
     return found == values.end() ? nullptr : &found->second;

@@ -48,7 +48,7 @@ ExitCode verifyPackage(const Manifest& manifest, const std::filesystem::path& pa
     return ExitCode::packageDigestWrong;
 }
 
-// Only the system's own tool is trusted: the search path may lead to anything.
+// Only the system's own tool is trusted. The search path may lead to another one.
 ExitCode locateArchiveTool(std::filesystem::path& tool, std::wstring& error) {
     const std::filesystem::path folder = systemFolder();
     if (folder.empty()) {

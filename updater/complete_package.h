@@ -10,12 +10,13 @@
 
 namespace vorthmere::update {
 
-/// Fills the empty staging folder from the complete package: fetched or copied, checked by size and SHA-256, listed and
-/// checked before anything is unpacked, unpacked with the system's archive tool. Writes the transfer report.
+/// Puts the new release into the empty staging folder from its package: downloads or copies the package, checks its
+/// size and SHA-256, checks its listing, unpacks it with the system's archive tool, and writes the transfer report.
 ///
-/// @param error    receives the sentence of a failure
+/// @param error    empty on entry; receives the sentence of a failure
 /// @param progress receives 12 % to 81 %; may be empty
-/// @return ExitCode::done, or the failing step's code from downloadFailed to unpackingFailed
+/// @return ExitCode::done, or the code of the step that failed, from downloadFailed to unpackingFailed.
+///         docs/failures.md lists their sentences.
 [[nodiscard]] ExitCode stageCompletePackage(const Arguments& arguments, const Manifest& manifest,
                                             const WorkFolder& work, std::wstring& error,
                                             const ProgressCallback& progress);

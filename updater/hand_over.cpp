@@ -31,14 +31,14 @@ bool waitForGame(std::uint32_t processId, std::wstring& error) {
     if (processId == 0) return true;
     std::error_code failure;
     const ProcessHandle game = openProcess(processId, failure);
-    // There is no such process: the game has exited already.
+    // There is no such process: the game has already exited.
     if (failure == WindowsError::invalidParameter) return true;
     if (failure) return fail(error, L"Unable to wait for the running game to close.");
     return waitForEnd(game, kGameExitTimeoutMs) || fail(error, L"The game did not close within two minutes.");
 }
 
-// The same installation with folders and lists swapped: the new files leave for the staging folder, the previous ones
-// return from the backup.
+// Installs the previous release from the backup, with the folders and lists swapped: the new files move to the staging
+// folder, the previous files return.
 void restorePreviousRelease(const Arguments& arguments, const WorkFolder& work, const Paths& newList,
                             const Paths& installedList, std::wstring& error) {
     std::wstring dropped;
@@ -62,8 +62,7 @@ ExitCode handOver(const Arguments& arguments, const WorkFolder& work, std::wstri
     const std::error_code failure = createFolders(work.backup);
     reportStep(progress, timetable::installing);
     if (failure) return ExitCode::installationFailed;
-    // The one file without which no later update could mend what a power loss left. A disk that cannot be flushed is no
-    // reason to stop.
+    // Without this one file no later update could mend what a power loss left. A failure to flush is no reason to stop.
     static_cast<void>(flushFile(work.staging / kManagedFileListName));
     if (!installWithBackup(arguments.install, work.staging, work.backup, installedList, newList, error))
         return ExitCode::installationFailed;

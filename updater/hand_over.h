@@ -9,12 +9,15 @@
 
 namespace vorthmere::update {
 
-/// Puts the staged release in the place of the installed one: checks it against its own list, waits for the game to
-/// exit, installs it, starts the game again.
+/// Replaces the installed release with the staged one: checks the staged files against their list, waits for the game
+/// to exit, moves the files, and starts the game unless `noRelaunch` is set. If the game does not start, the previous
+/// release is installed again.
 ///
-/// @param error    receives the sentence of a failure; stays empty when the backup folder cannot be made
+/// @param error    empty on entry; receives the sentence of a failure. Stays empty when the backup folder cannot be
+///                 created or when reading a managed-file list breaks off.
 /// @param progress receives 88 % to 98 %; may be empty
-/// @return ExitCode::done, or the failing step's code from newListUnreadable to relaunchFailed
+/// @return ExitCode::done, or the code of the step that failed, from newListUnreadable to relaunchFailed.
+///         docs/failures.md lists their sentences.
 /// @throws std::filesystem::filesystem_error as installWithBackup() does
 [[nodiscard]] ExitCode handOver(const Arguments& arguments, const WorkFolder& work, std::wstring& error,
                                 const ProgressCallback& progress);

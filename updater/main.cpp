@@ -45,7 +45,7 @@ void dispatchMessages() {
 }  // namespace
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int showCommand) {
-    // Before anything loads a DLL by its bare name: the game's folder is no place to take the system's from.
+    // Before anything loads a DLL by its name alone: the system's DLLs must not come from the game's folder.
     SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
     std::set_terminate(endAbnormally);

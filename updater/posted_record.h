@@ -8,7 +8,7 @@
 
 namespace vorthmere::update {
 
-/// A step of the run, to be shown while it works.
+/// A step of the run, which the window shows.
 struct ProgressRecord {
     static constexpr UINT kMessage = WM_APP + 1;
 
@@ -16,7 +16,7 @@ struct ProgressRecord {
     std::uint32_t percent = 0;  ///< 0 to 100
 };
 
-/// How the run ended; the last record that a worker posts.
+/// The outcome of the run, the last record that a worker posts.
 struct OutcomeRecord {
     static constexpr UINT kMessage = WM_APP + 2;
 
@@ -24,10 +24,10 @@ struct OutcomeRecord {
     std::wstring text;  ///< the failure's sentence; may be empty
 };
 
-/// Sends `record` to `window` as the message `Record::kMessage`, without waiting for it to be read.
+/// Posts `record` to `window` as the message `Record::kMessage` and does not wait for the window.
 ///
-/// @return true when the message is queued: the record then belongs to it, until receiveRecord() takes it out. False
-///         when there is no such window, or its queue is full: the record is gone, and nobody will see it.
+/// @return true when the message is queued: it owns the record until receiveRecord() takes it out. False when there is
+///         no such window or its queue is full: the record is deleted.
 template <typename Record>
 bool postRecord(HWND window, std::unique_ptr<Record> record) noexcept {
     if (!PostMessageW(window, Record::kMessage, 0, reinterpret_cast<LPARAM>(record.get()))) return false;
@@ -35,8 +35,8 @@ bool postRecord(HWND window, std::unique_ptr<Record> record) noexcept {
     return true;
 }
 
-/// Takes the record out of a message `Record::kMessage`, given its lParam. To be called once for each such message, or
-/// the record leaks. Empty when the message carries none.
+/// Takes the record out of a message `Record::kMessage`, given the message's lParam. Must be called exactly once for
+/// each such message. Empty when the message has no record.
 template <typename Record>
 [[nodiscard]] std::unique_ptr<Record> receiveRecord(LPARAM lParam) noexcept {
     return std::unique_ptr<Record>(reinterpret_cast<Record*>(lParam));

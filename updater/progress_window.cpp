@@ -127,7 +127,7 @@ void showSuccess(const WindowState& state) {
     SetTimer(state.window, kCloseTimer, kCloseDelayMs, nullptr);
 }
 
-// The button covers the right end of the detail text, so the text is set first: what is drawn last stays visible.
+// The button covers the right end of the detail text. So the text is set first: whatever is drawn last is visible.
 void showFailure(const WindowState& state) {
     SetWindowTextW(state.status, L"Update could not be completed.");
     const std::wstring detail = state.outcomeText + L"\nYour previous installation was left in place or restored.";
@@ -219,8 +219,8 @@ bool registerProgressWindow(HINSTANCE instance) {
     windowClass.hIcon = LoadIconW(instance, icon);
     windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     windowClass.lpszClassName = kClassName;
-    // Not a shared image: those are found by their name alone, and the large one has the same. The class keeps it until
-    // the program ends.
+    // Not LR_SHARED: a shared icon is found by its name alone, and the large icon has the same name. The class keeps
+    // the icon until the program ends.
     windowClass.hIconSm =
         static_cast<HICON>(LoadImageW(instance, icon, IMAGE_ICON, kSmallIconSize, kSmallIconSize, LR_DEFAULTCOLOR));
     return RegisterClassExW(&windowClass) != 0;

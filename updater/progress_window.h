@@ -10,7 +10,7 @@
 
 namespace vorthmere::update {
 
-/// Fonts and brushes.
+/// For handles of fonts and brushes.
 template <typename Handle>
 struct GdiObjectTraits {
     using Type = Handle;
@@ -25,13 +25,13 @@ struct GdiObjectTraits {
 using Font = UniqueHandle<GdiObjectTraits<HFONT>>;
 using Brush = UniqueHandle<GdiObjectTraits<HBRUSH>>;
 
-/// What the progress window knows. Belongs to the window's thread alone and must outlive the window.
+/// The state of the progress window. Only the window's thread may use it, and it must outlive the window.
 struct WindowState {
     Arguments arguments;
 
-    int outcomeCode = static_cast<int>(ExitCode::noOutcome);  ///< the run's code, once there is one
+    int outcomeCode = static_cast<int>(ExitCode::noOutcome);  ///< the run's code, when it has ended
     std::wstring outcomeText;
-    bool busy = true;  ///< the run has not ended; the window refuses to close
+    bool busy = true;  ///< the run has not ended, so the window refuses to close
 
     HWND window = nullptr;
     HWND banner = nullptr;
@@ -45,19 +45,19 @@ struct WindowState {
     Brush background;
 };
 
-/// Registers the progress window's class, with the icon of the program `instance`.
+/// Registers the window's class, with the icon of the program `instance`.
 ///
-/// @return false when the platform refuses it
+/// @return false when the system refuses
 [[nodiscard]] bool registerProgressWindow(HINSTANCE instance);
 
-/// Creates the progress window, hidden, in the middle of the primary monitor's work area. The progress bar's class
-/// must have been initialised.
+/// Creates the progress window, hidden, in the middle of the primary monitor's work area. The class of the progress bar
+/// must be initialised (InitCommonControlsEx).
 ///
-/// The window shows the ProgressRecords and the OutcomeRecord that are posted to it. It refuses to close until the
-/// outcome has arrived; then it closes by itself shortly after a success, and when it is told to after a failure. With
-/// its end it ends the thread's message loop.
+/// The window shows the ProgressRecords and the OutcomeRecord that are posted to it. It refuses to close before the
+/// outcome has arrived. After a success it closes by itself after a moment, after a failure when the player closes it.
+/// Then it ends the thread's message loop.
 ///
-/// @param state attached to the window; receives the handles now, the outcome later
+/// @param state receives the handles now and the outcome later
 /// @return false when the window could not be created
 [[nodiscard]] bool createProgressWindow(HINSTANCE instance, WindowState& state);
 

@@ -1,4 +1,4 @@
-// Numbers of the resources; read by the resource compiler as well.
+// Numbers of the resources. The resource compiler reads this file too.
 #pragma once
 
 #define KVN_PROGRAM_ICON 101

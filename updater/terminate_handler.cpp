@@ -1,5 +1,5 @@
-// GNU's C++ library has a handler that prints the type of an exception that nobody caught, and with it a demangler of some
-// 45 KB. Nobody would see that text: the program ends by a handler of its own. So the library gets a plain one from here.
+// Replaces a function of GNU's C++ library. The library's own prints the type of an exception that nobody caught and
+// adds a demangler of some 45 KB to the program. Nobody would see the text: the program sets its own handler.
 #include <cstdlib>
 
 #ifdef __GLIBCXX__

@@ -36,16 +36,15 @@ ExitCode finishCurrent(const Arguments& arguments, std::wstring& error, const Pr
     return ExitCode::done;
 }
 
-/// Removes a folder and makes it anew, with one below it or alone. False also when one of the two need not be made: then
-/// the removal did not work, whatever the system said, or somebody else made it meanwhile.
+/// Removes a folder and creates it again, with everything down to `innermost`, which may be the folder itself. False
+/// also when one of the two already exists: then the removal did not work, or somebody else created it meanwhile.
 bool makeAnew(const std::filesystem::path& folder, const std::filesystem::path& innermost) {
     std::vector<std::filesystem::path> created;
     return !removeTree(folder) && !createFolders(innermost, created) && !created.empty() && created.front() == folder &&
            created.back() == innermost;
 }
 
-// The test for a reparse point comes before the removal, so that a junction planted as the work folder cannot lead the
-// removal elsewhere.
+// The test comes first, so that a junction with the work folder's name cannot lead the removal elsewhere.
 ExitCode prepareWorkFolder(const WorkFolder& work, std::wstring& error) {
     if (isReparsePoint(work.folder)) {
         error = L"The updater work folder is an unsafe reparse point.";

@@ -13,7 +13,7 @@
 namespace vorthmere::update {
 
 void runWorker(Arguments arguments, HWND window) noexcept {
-    // Some C libraries keep a handler for each thread.
+    // Some C libraries keep a terminate handler for each thread.
     std::set_terminate(endAbnormally);
     auto outcome = std::make_unique<OutcomeRecord>();
     outcome->code = runUpdate(std::move(arguments), outcome->text, progressPoster(window));

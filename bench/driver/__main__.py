@@ -1,4 +1,4 @@
-"""Measures the updater beside what no updater can do without. Started by scripts/bench."""
+"""Measures the updater beside the least work that any updater has to do. Run it with scripts/bench."""
 import argparse
 import shutil
 import sys
@@ -38,7 +38,7 @@ def parse_options():
 
 
 def measure(options, chosen, rows):
-    """@return what could not be measured, and why"""
+    """@return a line for each measurement that failed, with the reason"""
     sizes = Sizes(options.quick)
     failures = measurements.measure(sizes, [name for name in chosen if name != "growth"], rows)
     if "growth" in chosen:
@@ -58,7 +58,7 @@ def main():
     try:
         failures = measure(options, options.only or [*measurements.MEASUREMENTS, "growth"], rows)
     finally:
-        # Timings first, then memory; whatever has happened.
+        # Also after a failure. Times come first, then memory.
         rows.sort(key=lambda row: row.name.startswith("memory:"))
         print(table.as_tsv(rows) if options.tsv else table.as_text(rows), end="", flush=True)
         for failure in failures:

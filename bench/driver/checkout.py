@@ -1,4 +1,4 @@
-"""Where everything of this checkout lies, and the programs that are measured or measure."""
+"""The folders of this checkout, and the programs that measure or are measured."""
 import pathlib
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]

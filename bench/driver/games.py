@@ -30,9 +30,9 @@ def _write(folder, name, content):
 
 
 def make_even_game(folder, files, total, packed_every):
-    """A game whose release has so many files of the same size, together `total` bytes but for what the publisher adds.
+    """Makes a game whose release has `files` files: equally large ones with `total` bytes, and what the publisher adds.
 
-    Every `packed_every`th cannot be compressed; the others nearly vanish.
+    One file of `packed_every` cannot be compressed. The others shrink to almost nothing.
     """
     source = random.Random(42)
     files -= len(PUBLISHED)
@@ -57,11 +57,11 @@ def _text_fragments(source):
 
 
 def make_varied_game(folder, files, total, repetitive):
-    """A game like a real one: files from a fraction of their mean size to several times that.
+    """Makes a game like a real one, with files from a fraction of their mean size to several times that.
 
-    Every fourth cannot be compressed, as sound and textures in packed formats; the others are text-like records that
-    deflate brings down to about a quarter. Of a `repetitive` game only every eighth is packed, and the texts of a file
-    repeat themselves soon: the largest release there can be has a package that is not too large only then.
+    Every fourth file cannot be compressed, like sound and textures in packed formats. The others are records of text,
+    which deflate shrinks to about a quarter. In a `repetitive` game only every eighth file is packed, and the texts in
+    a file repeat soon: otherwise the package of the largest possible release would be too large.
     """
     source = random.Random(42)
     shares = [source.expovariate(1) + 0.07 for _ in range(files)]
@@ -79,7 +79,7 @@ def make_varied_game(folder, files, total, repetitive):
 
 
 def make_half_packed_game(folder, files, total):
-    """A game whose files have equal sizes. Every second cannot be compressed; the others deflate brings down to half."""
+    """Makes a game of equally large files. Every second cannot be compressed; deflate shrinks the others to half."""
     source = random.Random(42)
     words = [source.randbytes(source.randint(3, 12)) for _ in range(3000)]
     files -= len(PUBLISHED)
@@ -91,7 +91,7 @@ def make_half_packed_game(folder, files, total):
 
 
 def publish(game, channel):
-    """Publishes the game into the channel and returns the path of the package."""
+    """Publishes the game on the channel and returns the path of the package."""
     subprocess.run(
         [PUBLISHER, "build", "--release", str(RELEASE), "--version", "bench", "--protocol", "1", "--from", game,
          "--channel", channel, "--allow-any-programs"],
@@ -100,13 +100,13 @@ def publish(game, channel):
 
 
 def inventory(package):
-    """The release's files in order: path, and digest of the content."""
+    """Path and digest of each file of the release, in order."""
     records = package.with_name(package.name + ".files").read_text().splitlines()[5:]
     return [(path, digest) for path, _, digest in (record.split("\t") for record in records)]
 
 
 class Installation:
-    """An installation of the published game that is one release behind: some files have other content."""
+    """An installation of the published game, one release old: some files have other content."""
 
     def __init__(self, folder, game, package, changed):
         self.folder = folder
@@ -117,7 +117,7 @@ class Installation:
                 archive.extract(name, folder)
 
     def age(self):
-        """Makes the files to be updated again, as an update has just replaced them."""
+        """Takes the last update back: changes the files that it replaced."""
         shutil.rmtree(self.folder / ".kvn-update", ignore_errors=True)
         for name in self.changed:
             with open(self.folder / name, "r+b") as file:
@@ -126,7 +126,7 @@ class Installation:
                 file.write(bytes([first[0] ^ 1]))
 
     def transfer(self):
-        """The report of the update that was made, as a dictionary."""
+        """The last update's transfer report, as a dictionary."""
         report = (self.folder / ".kvn-update" / "transfer.txt").read_text()
         return dict(line.split("=", 1) for line in report.split())
 
@@ -139,9 +139,9 @@ def changed_files(files, count):
 
 
 def lay_out_for_moving(folder, names, backup_folders):
-    """Small files in folder/game and folder/staging for an installation to move, and the list of their names.
+    """Makes small files to move in folder/game and folder/staging, and the list of their names.
 
-    @param backup_folders  whether folder/backup has the folders for them, too
+    @param backup_folders  whether to make the files' folders in folder/backup, too
     """
     shutil.rmtree(folder, ignore_errors=True)
     for place in ("game", "staging"):

@@ -1,4 +1,4 @@
-"""How the cost of an incremental update grows, with the number of files and with their bytes."""
+"""How the cost of an incremental update grows with the number of files and with their bytes."""
 import subprocess
 
 from checkout import WORK
@@ -35,7 +35,7 @@ def _plot(output, title, label, points):
 
 
 def measure(sizes, folder):
-    """Measures both, and draws them as growth-files.svg and growth-bytes.svg in the folder."""
+    """Measures both and draws growth-files.svg and growth-bytes.svg in the folder."""
     repetitions = sizes.growth_repetitions
     by_files = [(files, _measure_one(files, sizes.growth_files_bytes, repetitions)) for files in sizes.growth_files]
     by_bytes = [(size // MIB, _measure_one(sizes.growth_bytes_files, size, repetitions))

@@ -1,4 +1,4 @@
-"""The rows of the table, in their order."""
+"""The measurements that make the rows of the table, in their order."""
 import subprocess
 
 import operations
@@ -8,7 +8,7 @@ import wine
 from table import as_line
 from timing import say
 
-# What a measurement that fails ends with; the others are made all the same.
+# How a measurement fails. The others go on.
 FAILURES = (OSError, RuntimeError, ValueError, subprocess.SubprocessError)
 MEASUREMENTS = {
     "incremental": whole_updates.measure_incremental,
@@ -25,9 +25,9 @@ MEASUREMENTS = {
 
 
 def measure(sizes, chosen, rows):
-    """Adds every row to `rows` when it is there.
+    """Adds each row to `rows` as soon as it is measured.
 
-    @return what could not be measured, and why, one a line
+    @return a line for each measurement that failed, with the reason
     """
     idle = wine.idle_private_bytes()
     failures = []

@@ -1,4 +1,4 @@
-"""Measures what the updater consists of."""
+"""Measures the updater's single operations."""
 import random
 import shutil
 

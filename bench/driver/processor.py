@@ -1,4 +1,4 @@
-"""The processor time of a run: of its programs, the programs that these start, and Wine's server."""
+"""The processor time of a run: of its programs, of the programs that they start, and of Wine's server."""
 import contextlib
 import ctypes
 import os
@@ -15,9 +15,9 @@ LOOK_INTERVAL_S = 0.002
 
 
 def adopt_orphans():
-    """Makes this process the parent of the programs that Wine starts, which leave the one that started them.
+    """Makes this process the parent of the programs that Wine starts, which detach from their own parent.
 
-    What they used is known when this process has waited for their end.
+    A parent learns what a program used when it has waited for its end.
     """
     if ctypes.CDLL(None, use_errno=True).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0) != 0:
         raise OSError(ctypes.get_errno(), "prctl")
@@ -29,7 +29,7 @@ def _used(process):
 
 
 def _living():
-    """The processes of this checkout's Wine prefix, its server among them, and what each has used."""
+    """The processes of this checkout's Wine prefix, with its server, and the seconds that each has used."""
     prefix = f"WINEPREFIX={os.environ.get('KVN_WINEPREFIX', BUILD / 'wine')}".encode()
     processes = {}
     for process in pathlib.Path("/proc").glob("[0-9]*"):
@@ -48,7 +48,7 @@ def _used_by_ended():
 
 
 def _after_the_end(before):
-    """What lives when the programs of a run are gone; each ends a moment after it was reported to have ended."""
+    """What _living() returns when the programs of a run are gone, a moment after Wine reports their end."""
     deadline = time.monotonic() + END_LIMIT_S
     while (after := _living()).keys() - before.keys() and time.monotonic() < deadline:
         time.sleep(LOOK_INTERVAL_S)
@@ -56,7 +56,7 @@ def _after_the_end(before):
 
 
 def measured(run):
-    """Calls `run`, in which programs are started and waited for, and returns its result and the seconds used."""
+    """Calls `run`, which starts programs and waits for them. Returns its result and the seconds of processor time."""
     before, ended_before = _living(), _used_by_ended()
     result = run()
     after = _after_the_end(before)

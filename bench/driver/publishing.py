@@ -1,4 +1,4 @@
-"""Publishing: the first release of a channel, and the next one, in which little has changed."""
+"""Measures publishing: the first release of a channel, and the next one, in which little has changed."""
 import os
 import random
 import shutil
@@ -14,7 +14,7 @@ from timing import compare, cost_of_native
 
 
 class PublishedGame:
-    """A game folder, half of it packed already, and a channel that its releases go to."""
+    """A game folder, half of whose files cannot be compressed, and a channel for its releases."""
 
     def __init__(self, files, total):
         self.folder = WORK / "publish"
@@ -30,7 +30,7 @@ class PublishedGame:
         shutil.rmtree(self.channel, ignore_errors=True)
 
     def publish(self):
-        """Publishes the next release and returns the seconds that it took; notes processor time and memory."""
+        """Publishes the next release and returns the seconds that it took. Keeps its processor time and memory."""
         self.release += 1
         os.sync()
         started = time.monotonic()
@@ -46,7 +46,7 @@ class PublishedGame:
         return time.monotonic() - started
 
     def change(self, share):
-        """Gives a share of the files other content of the same size."""
+        """Replaces the content of a share of the files, from 0 to 1, by other content of the same size."""
         source = random.Random(self.release)
         files = sorted(path for path in self.game.rglob("*.dat"))
         for path in source.sample(files, int(len(files) * share)):
@@ -54,7 +54,7 @@ class PublishedGame:
 
 
 def measure_releases(sizes, _idle):
-    """The first release stands beside its own processor time, the next one beside the first."""
+    """Compares the first release with its own processor time, and the next release with the first."""
     game = PublishedGame(sizes.files, sizes.update_bytes)
     first, following, processor = [], [], []
     for _ in range(sizes.publish_repetitions):

@@ -1,4 +1,4 @@
-"""Rows that several measurements have."""
+"""Rows that several measurements share."""
 from games import MIB
 from table import Row
 
@@ -14,5 +14,5 @@ def memory_row(what, peak, idle):
 
 
 def parts(floor, costs):
-    """Rows that tell what a figure consists of, each part beside the whole figure's floor."""
+    """Rows with the parts of a figure, each beside the floor of the whole figure."""
     return [Row(f"  of it: {what} [s]", seconds, floor, digits=3) for what, seconds in costs.items()]

@@ -3,7 +3,7 @@ from games import MIB
 
 
 class Sizes:
-    """How much is measured: everything, or a small part of it while the benchmarks themselves are worked on."""
+    """How much is measured. With `quick` a small part only, for work on the benchmarks themselves."""
 
     def __init__(self, quick):
         shrink = 8 if quick else 1
@@ -17,7 +17,7 @@ class Sizes:
         self.installed_files = 1024
         self.published = [(1000 // shrink, 1024 * MIB // shrink, False)]
         if not quick:
-            # With the publisher's two texts this is the largest release: 1,024 files, 2 GiB but for less than 1 MiB.
+            # With the publisher's two files this is the largest release: 1,024 files, just below 2 GiB.
             self.published.append((1022, 2047 * MIB, True))
         self.publish_repetitions = 1 if quick else 3
         self.growth_repetitions = 1 if quick else 3

@@ -1,4 +1,4 @@
-"""The rows of the result, and the forms in which they are shown."""
+"""The rows of the result, and the formats in which they are printed."""
 import dataclasses
 
 HEADINGS = ["figure", "value", "floor", "ratio", "quartiles", "processor", "its floor", "its ratio", "aim"]
@@ -6,9 +6,9 @@ HEADINGS = ["figure", "value", "floor", "ratio", "quartiles", "processor", "its 
 
 @dataclasses.dataclass
 class Row:
-    """One figure. Without a floor there is no ratio.
+    """One figure. Without a floor it has no ratio.
 
-    `quartiles` are those of the ratios of the pairs, `processor` the Pairs of processor time in seconds.
+    `quartiles` are those of the pairs' ratios. `processor` are the Pairs of processor time, in seconds.
     """
 
     name: str
@@ -54,7 +54,7 @@ def as_text(rows):
 
 
 def as_line(row):
-    """A row by itself, with its headings."""
+    """One row as a line of text, with the headings."""
     named = [f"{heading} {cell}" for heading, cell in zip(HEADINGS[1:], row.cells()[1:]) if cell]
     return f"{row.name.strip()}: {', '.join(named)}"
 

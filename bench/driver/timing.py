@@ -18,7 +18,7 @@ _STARTED = time.monotonic()
 
 @dataclasses.dataclass
 class Cost:
-    """What one run took, in seconds: time, and the processor time of all its processes together."""
+    """What one run took: its time, and the processor time of all its processes, in seconds."""
 
     seconds: float
     processor: float
@@ -28,7 +28,7 @@ class Cost:
 
 
 class Pairs:
-    """A value of a figure and one of its floor, measured one after the other, several times."""
+    """Several pairs of values, one of a figure and one of its floor, measured one right after the other."""
 
     def __init__(self, figures, floors):
         self.figure = statistics.median(figures)
@@ -50,13 +50,13 @@ class Comparison:
 
 
 def _settled(measure):
-    # What was written before is on the disk, so that nobody else's writing is measured.
+    # Earlier writes reach the disk first, so that they are not measured.
     os.sync()
     return measure()
 
 
 def compare(repetitions, figure, floor):
-    """So many pairs of the two, each of them first as often as second.
+    """Measures so many pairs, in which the figure comes first as often as the floor.
 
     `figure` and `floor` prepare what they need, measure and return a Cost.
     """
@@ -71,12 +71,12 @@ def compare(repetitions, figure, floor):
 
 
 def median_seconds(repetitions, measure):
-    """The median over so many repetitions."""
+    """The median time of so many repetitions."""
     return statistics.median(_settled(measure).seconds for _ in range(repetitions))
 
 
 def cost_of_native(*command):
-    """What a native program takes from start to end."""
+    """The Cost of a native program from start to end."""
     def seconds():
         started = time.monotonic()
         subprocess.run([str(word) for word in command], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)

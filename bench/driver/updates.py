@@ -1,4 +1,4 @@
-"""Whole runs of the updater, each beside the least work on the same bytes."""
+"""Whole runs of the updater, and for each the least work on the same bytes."""
 import shutil
 
 import games
@@ -11,10 +11,10 @@ OBJECT_NAME = "KVN-file-{}.bin"
 
 
 class UpdateBench:
-    """A published game, an installation one release behind, and a folder for what the floor makes.
+    """A published game, an installation that is one release old, and a folder for the files of the floor.
 
-    @param files, total   of the release
-    @param packed_every   every which file cannot be compressed
+    @param files, total   number of the release's files, and their bytes
+    @param packed_every   one file of so many cannot be compressed
     @param changed        number of files that the update replaces
     """
 
@@ -49,7 +49,7 @@ class UpdateBench:
                 "--object-directory", self.channel)
 
     def update(self, measure, options, expected):
-        """Makes one update and checks that it went the expected way."""
+        """Runs one update and compares its transfer report with the expected values."""
         self.installation.age()
         result = measure(*self.updater_command(*options))
         transfer = self.installation.transfer()
@@ -102,10 +102,10 @@ class UpdateBench:
         games.lay_out_for_moving(folder, [name for name, _ in games.inventory(self.package)], backup_folders=False)
         return wine.cost_inside("install", folder, folder / "list")
 
-    # What the update's rules demand, by itself. The floor has left the release's files in the target.
+    # Single parts of an update. They use the release's files, which the floor has left in the target.
 
     def cost_of_digests(self, repetitions):
-        """Digesting each file of the release once."""
+        """The time to digest each file of the release once."""
         self._write_list(set())
         return median_seconds(repetitions, lambda: wine.cost_inside("digest", self.target, self.list))
 

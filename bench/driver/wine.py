@@ -1,4 +1,4 @@
-"""Runs Windows programs and looks at the memory that they take."""
+"""Runs Windows programs and measures their time and memory."""
 import os
 import subprocess
 import sys
@@ -12,7 +12,7 @@ SAMPLE_INTERVAL_S = 0.002
 
 
 def windows_path(path):
-    """A path as Windows programs take it."""
+    """The path in the form that Windows programs understand."""
     return "Z:" + str(path)
 
 
@@ -21,18 +21,16 @@ def _words(command):
 
 
 def _never_began(end):
-    """Whether this is how it ends when Wine cannot start a program, or one that the program starts.
+    """Whether Wine could not start the program, or a program that it starts.
 
-    Our programs say why when they fail, and the updater has no exit code 1.
+    Our programs say why they fail, and the updater has no exit code 1.
     """
     said = end.stderr.strip()
     return end.returncode == 1 and (not end.stdout + said or said.endswith(("error 1359", "ended with exit code 1")))
 
 
 def _began(command, attempt):
-    """Makes an attempt to run a program to its end, and a second one when Wine did not get it started.
-
-    Nothing has been done by such a start, so that repeating it repeats nothing else.
+    """Runs a program to its end. Tries once more when Wine could not start it: nothing has happened then.
 
     @return the ended process, which has succeeded
     """
@@ -47,25 +45,25 @@ def _began(command, attempt):
 
 
 def run(*command):
-    """Runs a program to its end and returns what it printed. Words that are paths become Windows paths."""
+    """Runs a program to its end and returns its output. Paths among the words become Windows paths."""
     return _began(command, lambda: subprocess.run(
         _words(command), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False,
         text=True)).stdout
 
 
 def cost_inside(*command):
-    """What a subcommand of kvn_bench takes: the seconds that it measured inside itself, and all of its processor time."""
+    """The Cost of a subcommand of kvn_bench: the seconds that it prints, and its whole processor time."""
     printed, used = processor.measured(lambda: run(BENCH, *command))
     return Cost(float(printed), used)
 
 
 def cost_of(*command):
-    """What a program takes from its start to its end, as a Windows program that starts it sees it."""
+    """The Cost of a program from its start to its end, measured by the Windows program that starts it."""
     return cost_inside("time", *command)
 
 
 def _private_bytes(process_id):
-    """What the process has written to and shares with nobody; 0 when it has ended."""
+    """The bytes of memory that the process has written to and shares with nobody; 0 when it has ended."""
     try:
         with open(f"/proc/{process_id}/smaps_rollup", encoding="ascii") as rollup:
             fields = dict(line.split(":", 1) for line in rollup if ":" in line and "kB" in line)
@@ -75,10 +73,10 @@ def _private_bytes(process_id):
 
 
 def _watch(command, samples):
-    """Runs a program to its end and adds its private memory, looked at again and again, to the samples."""
+    """Runs a program to its end and keeps adding the size of its private memory to the samples."""
     process = subprocess.Popen(_words(command), stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                stderr=subprocess.PIPE, text=True)
-    # wine-run becomes the program, so that this is the program's process.
+    # wine-run replaces itself by the program, so this is the program's process.
     while process.poll() is None:
         samples.append(_private_bytes(process.pid))
         time.sleep(SAMPLE_INTERVAL_S)
@@ -86,15 +84,15 @@ def _watch(command, samples):
 
 
 def peak_private_bytes(*command):
-    """The most private memory that a program took in one run."""
+    """The most private memory that a program used in one run, in bytes."""
     samples = [0]
     _began(command, lambda: _watch(command, samples))
     return max(samples)
 
 
 def idle_private_bytes():
-    """The private memory of kvn_bench, which loads what the updater loads, when it does nothing."""
-    # Brings up the session, and fails when nothing can be run at all.
+    """The private memory, in bytes, of an idle kvn_bench, which loads the same DLLs as the updater."""
+    # Starts the Wine session, and fails when no program runs at all.
     run(NOTHING)
     process = subprocess.Popen(_words([BENCH, "idle"]), stdin=subprocess.PIPE, stdout=subprocess.PIPE)
     if not process.stdout.readline():

@@ -31,12 +31,12 @@ struct HashTraits {
     }
 };
 
-/// Digests files in the fewest calls: one provider and one block of 64 KiB for all of them.
+/// Digests files in the fewest calls: one provider and one block of 64 KiB for all files.
 class Digester {
 public:
     Digester();
 
-    /// Computes the SHA-256 digest of a file and throws it away.
+    /// Computes the SHA-256 digest of a file and discards it. Throws on failure.
     void digest(const std::filesystem::path& path);
 
 private:

@@ -1,5 +1,5 @@
-// What the updater calls before it looks at its command line, and nothing else: loading the DLLs that these calls need
-// is the least that it can start in.
+// Calls of the updater's from before it reads its command line. The updater cannot start faster than the DLLs load that
+// these calls need.
 #include <windows.h>
 // windows.h has to come first.
 #include <shellapi.h>

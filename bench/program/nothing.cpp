@@ -1,4 +1,4 @@
-// The least that starts and ends: the floor of every start of a program.
+// Starts and ends: the floor for the start of any program.
 int main() {
     return 0;
 }

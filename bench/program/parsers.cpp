@@ -17,12 +17,12 @@ namespace {
 
 using namespace update;
 
-// As long as 1,024 of them can be: a list of that many has at most 131,072 bytes with its line feeds.
+// The longest that 1,024 paths can be: with their line feeds they fill the 131,072 bytes of the largest list.
 constexpr std::size_t kPathBytes = 127;
-// A path that long in folders of this depth.
+// Room that the name of the file needs at the end of a path.
 constexpr std::size_t kFolderBytes = 24;
 constexpr double kNanoseconds = 1e9;
-// Long enough for the clock.
+// Long enough for the clock's resolution.
 constexpr double kBatchSeconds = 0.005;
 
 std::string pathNumber(std::size_t number) {
@@ -44,7 +44,7 @@ std::string managedFileList(std::size_t records) {
     return testing::joinLines(paths(records));
 }
 
-// Leading zeros of the size fill each record to its share of the largest text.
+// Leading zeros of the size extend each record to its share of the largest text.
 std::string inventory(const Manifest& manifest, std::size_t records) {
     testing::Lines lines = testing::inventoryHeaderLines(manifest);
     const std::size_t header = testing::joinLines(lines).size();

@@ -8,12 +8,13 @@
 
 namespace vorthmere::bench {
 
-/// One line of a list: a path, and what stands behind a tab, if anything does.
+/// One line of a list: a path, and after a tab the name of an object, if there is one.
 struct ListedFile {
     std::string path;
     std::string objectName;
 };
 
+/// Reads a list of files. Throws when it has no line.
 inline std::vector<ListedFile> readList(const std::filesystem::path& list) {
     std::ifstream text(list, std::ios::binary);
     std::vector<ListedFile> files;
@@ -25,6 +26,7 @@ inline std::vector<ListedFile> readList(const std::filesystem::path& list) {
     return files;
 }
 
+/// The same, without the names of objects.
 inline std::vector<std::string> readPaths(const std::filesystem::path& list) {
     std::vector<std::string> paths;
     for (const ListedFile& file : readList(list))

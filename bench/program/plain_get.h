@@ -15,14 +15,14 @@ namespace vorthmere::bench {
 /// Takes the next bytes of a body, at most 64 KiB.
 using Sink = std::function<void(const char* bytes, DWORD count)>;
 
-/// Reads bodies in the fewest calls: one session and one connection for all of them, and reads into one buffer until
-/// there is no more.
+/// Downloads in the fewest calls: one session and one connection for everything, one buffer, and reads until the end of
+/// a body.
 class PlainGet {
 public:
-    /// @param address an https address; the host and port of everything that is got
+    /// @param address an https address; its host and port are used for all downloads
     explicit PlainGet(const std::wstring& address);
 
-    /// Gets the object at the address's path followed by `name` and returns the bytes of its body.
+    /// Downloads the address's path followed by `name`, and returns the size of the body in bytes. Throws on failure.
     std::uint64_t get(const std::wstring& name, const Sink& sink);
 
 private:

@@ -7,9 +7,10 @@
 
 namespace vorthmere::bench {
 
-/// Runs a program, `words` being its path and its arguments, and returns its exit code.
+/// Runs a program to its end and returns its exit code. Throws when it does not start.
 ///
-/// @param output where its standard output goes; null: to this program's
+/// @param words  its path and its arguments
+/// @param output receives its standard output, an inheritable handle; null for this program's own
 [[nodiscard]] DWORD runProgram(std::span<const std::wstring> words, HANDLE output = nullptr);
 
 }  // namespace vorthmere::bench

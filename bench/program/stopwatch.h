@@ -6,7 +6,7 @@
 
 namespace vorthmere::bench {
 
-/// Runs from its construction on.
+/// Measures the time since its construction.
 class Stopwatch {
 public:
     [[nodiscard]] double seconds() const {

@@ -27,7 +27,7 @@ std::uint64_t joinHalves(DWORD high, DWORD low) {
     return (std::uint64_t{high} << 32) | low;
 }
 
-/// Asks for a text of unknown length: `ask(buffer, size)` returns the length, 0 on failure, or how much room it needs.
+/// Asks for a text of unknown length. `ask(buffer, size)` returns its length, 0 on failure, or the size that it needs.
 template <typename Ask>
 std::wstring askForText(const Ask& ask, std::error_code& failure) {
     failure.clear();
@@ -75,7 +75,7 @@ std::vector<FolderEntry> listFolder(const std::filesystem::path& folder, std::er
     const FindHandle search(FindFirstFileExW(pattern.text(), FindExInfoBasic, &found, FindExSearchNameMatch, nullptr,
                                              FIND_FIRST_EX_LARGE_FETCH));
     if (!search) {
-        // The root of a drive has no "." entry, so that an empty one is reported as a missing file.
+        // The root of a drive has no "." entry, so an empty one is reported as a missing file.
         if (GetLastError() != ERROR_FILE_NOT_FOUND) failure = lastFailure();
         return entries;
     }

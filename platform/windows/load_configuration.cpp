@@ -1,5 +1,5 @@
-// The table that tells Windows how to load the program, in its form of 64-bit Windows 8. The linker finds it by its
-// name; not every header that describes it names the field that matters here.
+// The table that tells Windows how to load the program, in the size that it has in 64-bit Windows 8. The linker finds
+// it by its name. It is declared here because not every SDK's headers name the field that matters.
 #include <windows.h>
 
 #include <array>

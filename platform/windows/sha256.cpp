@@ -41,7 +41,7 @@ Digest beginDigest(const DigestProvider& provider, std::uint8_t* memory, std::ui
 }
 
 bool digestBytes(const Digest& digest, const std::uint8_t* bytes, std::uint32_t count) {
-    // The function only reads them, its parameter says otherwise.
+    // The function only reads the bytes, though its parameter is not const.
     return BCRYPT_SUCCESS(BCryptHashData(digest.get(), const_cast<PUCHAR>(bytes), count, 0));
 }
 

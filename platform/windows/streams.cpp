@@ -8,7 +8,7 @@
 namespace vorthmere::update {
 namespace {
 
-// As the C library opens streams: the game, or a virus scanner, may have the file open as well.
+// As the C library opens files: the game or a virus scanner may have the file open too.
 constexpr DWORD kSharedWithReadersAndWriters = FILE_SHARE_READ | FILE_SHARE_WRITE;
 
 FileHandle openFile(const std::filesystem::path& file, DWORD access, DWORD disposition, std::error_code& failure) {

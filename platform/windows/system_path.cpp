@@ -12,7 +12,7 @@ namespace {
 
 using Text = std::wstring_view;
 
-// What a new folder may have. Files may have a few more, but nothing is gained by that.
+// The limit for a new folder. The limit for files is a little higher, but using it would gain nothing.
 constexpr std::size_t kLongestPlainPath = 247;
 
 constexpr Text kExtendedPrefix = L"\\\\?\\";
@@ -72,7 +72,7 @@ bool isDots(Text name) {
     return name == L"." || name == L"..";
 }
 
-/// The system looks at what stands before the first dot, blanks at its end apart.
+/// The system compares the part before the first dot, without blanks at its end.
 bool isDeviceName(Text name) {
     static constexpr std::array<Text, 6> devices = {L"CON", L"PRN", L"AUX", L"NUL", L"CONIN$", L"CONOUT$"};
     static constexpr Text portDigits = L"123456789\u00B9\u00B2\u00B3";
@@ -116,7 +116,7 @@ bool isAbsolute(Text text) {
     return isOnDrive(text) || text.starts_with(kSharePrefix);
 }
 
-/// Empty when the system cannot tell.
+/// Empty on failure.
 std::wstring fromCurrentFolder(const std::wstring& relative) {
     std::wstring text(GetFullPathNameW(relative.c_str(), 0, nullptr, nullptr), L'\0');
     text.resize(GetFullPathNameW(relative.c_str(), static_cast<DWORD>(text.size()), text.data(), nullptr));

@@ -5,12 +5,12 @@
 
 namespace vorthmere::update {
 
-/// A path in the form in which the system takes it for what it says.
+/// A path in a form that the system takes literally.
 ///
-/// In its plain form a path may have 259 characters at most, for a new folder 247, unless the machine was set
-/// otherwise; and some names mean something else there: "a." and "a " are "a", "NUL .txt" is a device. The archive tool
-/// writes such paths all the same. So a path that is too long or has such a name gets the extended form, "\\?\" or
-/// "\\?\UNC\" in front; any other one stays as it is.
+/// A plain path may have at most 259 characters, for a new folder 247, unless the machine allows more. In a plain path
+/// some names also mean something else: "a." and "a " are "a", and "NUL .txt" is a device. The archive tool can write
+/// such paths all the same. So a path that is too long or has such a name gets the extended form, with "\\?\" or
+/// "\\?\UNC\" in front. Any other path stays as it is.
 class SystemPath {
 public:
     explicit SystemPath(const std::filesystem::path& path);
@@ -23,7 +23,7 @@ private:
     std::wstring text_;
 };
 
-/// A path as the system tells it, without the "\\?\" or "\\?\UNC\" in front.
+/// A path that the system returned, without "\\?\" in front; "\\?\UNC\" becomes "\\".
 [[nodiscard]] std::wstring withoutExtendedPrefix(std::wstring text);
 
 }  // namespace vorthmere::update

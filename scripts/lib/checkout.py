@@ -1,4 +1,4 @@
-"""Where the parts of this checkout lie, and its sources."""
+"""The folders of this checkout, and its sources."""
 import pathlib
 import subprocess
 
@@ -8,7 +8,7 @@ BUILD = ROOT / "build"
 
 
 def sources(*patterns):
-    """The files of the checkout that match one of git's patterns, relative to ROOT, in order."""
+    """The files of the checkout that match one of these git patterns, relative to ROOT, sorted."""
     listed = subprocess.run(["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard", "--", *patterns],
                             cwd=ROOT, stdout=subprocess.PIPE, check=True, text=True).stdout
     return [name for name in sorted(set(listed.split("\0"))) if name and (ROOT / name).is_file()]

@@ -9,7 +9,7 @@ from lib.checkout import ROOT
 
 @dataclasses.dataclass(frozen=True)
 class Token:
-    """A token and where it stands in the bytes of the source."""
+    """A token and its place in the source, in bytes."""
 
     text: str
     start: int
@@ -23,14 +23,14 @@ def _index():
 
 
 def tokens(name):
-    """Every token of a source but comments. Nothing that it includes is read."""
+    """All tokens of a source except comments. Included files are not read."""
     unit = _index().parse(str(ROOT / name), args=["-x", "c++", "-std=c++20", "-nostdinc"])
     return [Token(token.spelling, token.extent.start.offset, token.extent.end.offset, token.kind.name)
             for token in unit.get_tokens(extent=unit.cursor.extent) if token.kind != cindex.TokenKind.COMMENT]
 
 
 def literal_text(token):
-    """What stands between the quotes of a string literal, escapes as they are written; None of another token."""
+    """The text between the quotes of a string literal, with its escapes as they are; None for any other token."""
     begin = token.text.find('"')
     if not token.text.endswith('"') or token.text[:begin] not in ("", "L", "u8"):
         return None

@@ -1,6 +1,6 @@
-"""What the scripts know of the folders of the sources. A new folder is entered here."""
+"""What the scripts know about the folders of the sources. Enter a new folder here."""
 
-# What a folder may include of the project, besides itself.
+# The project's headers that a folder may include, besides its own.
 MAY_INCLUDE = {
     "platform": [],
     "files": ["platform/*"],
@@ -8,11 +8,11 @@ MAY_INCLUDE = {
     "transfer": ["update/*", "files/*", "platform/*"],
     "install": ["update/*", "files/*", "platform/*"],
     "updater": ["transfer/*", "install/*", "update/*", "files/*", "platform/*"],
-    # On Windows the tool looks at a served channel with the updater's own client.
+    # On Windows the tool checks a served channel with the updater's own HTTPS client.
     "publisher": ["update/*", "transfer/downloads.h", "transfer/https_client.h"],
 }
 
-# Of each rule: what includes one of these headers against it, the headers, and the files for which it holds.
+# Each rule: the complaint, the headers that must not be included, and the files for which it holds.
 KEPT_OUT = [
     ("a Windows header outside platform/windows, the window and the entry point",
      ["windows.h", "winhttp.h", "bcrypt.h", "commctrl.h", "shellapi.h"],
@@ -23,18 +23,18 @@ KEPT_OUT = [
      ["files", "update", "transfer", "install", "updater", ":!updater/main.cpp"]),
 ]
 
-# The core uses std::filesystem for the words of paths; what asks or changes a disk goes through platform/.
+# The core uses std::filesystem only for paths as text. Everything that reads or changes a disk goes through platform/.
 PAST_THE_DOOR = (r"\bfilesystem::(absolute|canonical|copy|create|current|directory|equivalent|exists|file_size|is_\w+|last_\w+"
                  r"|permissions|proximate|read_\w+|recursive\w+|relative|remove|rename|resize\w+|space|status|symlink\w+"
                  r"|temp\w+|weakly\w+)\w*\(")
 CORE = ["files", "update", "transfer", "install", "updater", "platform", ":!platform/posix"]
 
-# Where the sentences of docs/failures.md are raised, and the file with the texts of the window, which are no failures.
+# The folders that raise the sentences of docs/failures.md, and the files with texts that are no failures.
 RAISES_SENTENCES = ["files", "update", "transfer", "install", "updater"]
 WINDOW_TEXTS = "updater/progress_window.cpp"
 STEP_TEXTS = "update/timetable.h"
 
-# The folders that clang-tidy looks at, each with a preset that compiles it, and what such a preset leaves out.
+# The folders that clang-tidy checks, each with a preset that compiles it, and the sources that the preset leaves out.
 TIDY = {
     "publisher": "linux-sanitize",
     "updater": "windows-test",
@@ -46,5 +46,5 @@ TIDY = {
 }
 LEFT_OUT = {"windows-test": [":!platform/posix", ":!publisher/posix"], "linux-sanitize": [":!platform/windows", ":!publisher/windows"]}
 
-# The release of clang-format and clang-tidy whose judgement counts.
+# The release of clang-format and clang-tidy that counts.
 JUDGING_CLANG = 14

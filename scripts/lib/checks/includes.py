@@ -1,4 +1,4 @@
-"""Whether includes run one way."""
+"""Checks that includes run one way and that the core calls the system only through platform/."""
 import fnmatch
 import re
 
@@ -9,7 +9,7 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]')
 
 
 def _includes(*patterns):
-    """Of each include of these sources: where it stands, whether it is one of the project's, and what it names."""
+    """For each include of these sources: its place, whether it is in double quotes, and the header."""
     for name in sources(*patterns):
         if not name.endswith((".cpp", ".h")):
             continue

@@ -1,4 +1,4 @@
-"""Whether this machine has the release of clang whose judgement counts: others format and warn differently."""
+"""Whether this machine has the release of clang that counts: others format and warn differently."""
 import re
 import subprocess
 import sys
@@ -7,7 +7,7 @@ from lib.layout import JUDGING_CLANG
 
 
 def is_here(tool):
-    """Whether a tool of clang is of that release. Tells when it is not."""
+    """Whether a tool of clang is of that release. Prints a line when it is not."""
     told = subprocess.run([tool, "--version"], stdout=subprocess.PIPE, check=True, text=True).stdout
     release = int(re.search(r"version (\d+)", told)[1])
     if release != JUDGING_CLANG:

@@ -1,7 +1,7 @@
-"""Whether the sentences in the sources and those in the list for players are the same, to the character.
+"""Checks that the sources and docs/failures.md have the same sentences, to the character.
 
-Not every failure can be provoked by a test, but each has its sentence in docs/failures.md: in a column headed
-"Sentence", where a cell that begins with a capital letter holds sentences with " / " between them, or in quotation marks.
+The document has a sentence for each failure, also for those that no test can provoke. It stands in a column headed
+"Sentence", where a cell that begins with a capital letter has sentences with " / " between them, or in quotation marks.
 """
 import re
 
@@ -10,15 +10,15 @@ from lib.cpp_tokens import literal_text, tokens
 from lib.layout import RAISES_SENTENCES, STEP_TEXTS, WINDOW_TEXTS
 
 DOCUMENT = "docs/failures.md"
-# Their texts are names of steps, and the caption of a box.
+# Calls whose texts are no failures: names of steps, and the caption of a message box.
 NOT_FAILURES = ("reportProgress", "MessageBoxW")
 ADDS_ERROR_NUMBER = "withWindowsError"
-# A sentence is complete, or ends where something is put in.
+# The ends of a whole sentence, or of a part after which the program inserts something.
 ENDINGS = (".", ")", "(error", "HTTP", "<release>")
 
 
 def _texts(name):
-    """The texts of a source outside of calls that show no failure; neighbouring literals are one text."""
+    """The texts of a source, except those in calls of NOT_FAILURES. Neighbouring literals are one text."""
     text, skipping, previous = None, False, ("", "")
     for token in tokens(name):
         part = literal_text(token)
@@ -62,7 +62,7 @@ def _quoted_sentences(text):
 
 
 def _is_in(sentence, texts):
-    """Whether a text is the sentence, or the beginning of it where something is put in."""
+    """Whether a text is the sentence, or its beginning up to where the program inserts something."""
     return any(sentence == text.strip() or (text.endswith(" ") and sentence.startswith(text)) for text in texts)
 
 

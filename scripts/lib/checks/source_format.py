@@ -1,4 +1,4 @@
-"""Whether every source is formatted as .clang-format says."""
+"""Checks that every source is formatted as .clang-format says."""
 import re
 import subprocess
 

@@ -1,4 +1,4 @@
-"""Whether clang-tidy finds mistakes."""
+"""Runs clang-tidy."""
 import concurrent.futures
 import hashlib
 import json
@@ -14,7 +14,7 @@ CROSS_COMPILER = "x86_64-w64-mingw32-g++-posix"
 
 
 def _cross_compiler_headers():
-    """The folders of the C++ library that the cross-compiler uses, which clang has to be shown."""
+    """The folders with the headers of the cross-compiler's C++ library, which clang does not find by itself."""
     told = subprocess.run([CROSS_COMPILER, "-E", "-x", "c++", "-v", "/dev/null"], check=True, text=True,
                           stdout=subprocess.DEVNULL, stderr=subprocess.PIPE).stderr
     folders = told.split("#include <...> search starts here:\n")[1].split("End of search list.")[0].split()
@@ -36,7 +36,7 @@ def _digest(names):
 
 
 def _write_joint_source(preset, folder, names):
-    """One source that includes all of a folder, and the command that compiles it: that of one of them."""
+    """Writes a source that includes all sources of a folder, and a command for it, copied from one of them."""
     place = WORK / folder
     place.mkdir(parents=True, exist_ok=True)
     joint = place / "all.cpp"
@@ -50,9 +50,9 @@ def _write_joint_source(preset, folder, names):
 
 
 def _check_folder(folder, preset):
-    """One look at all sources of a folder together, as most of the time goes into the headers that they share.
+    """Checks all sources of a folder together: most of the time goes into the headers that they share.
 
-    What passed is remembered by the content of everything that it was judged by.
+    Remembers what passed by the content of the sources, all headers and .clang-tidy.
     """
     names = sources(f"{folder}/*.cpp", *LEFT_OUT[preset])
     mark = WORK / _digest([".clang-tidy", *sources("*.h"), *names])

@@ -1,4 +1,4 @@
-"""What scripts/demo shows, in its order."""
+"""The steps of scripts/demo."""
 import argparse
 import contextlib
 import os
@@ -18,17 +18,17 @@ CHANNEL = DEMO / "channel"
 PREFIX = BUILD / "wine"
 SERVER = DEMO / "server"
 CHANNEL_SERVER = SCRIPTS / "channel-server"
-# Of the slow connection on which the window can be looked at.
+# The speed of the slow connection, on which the window can be watched.
 SLOW_BYTES_PER_SECOND = "200k"
 
-# scripts/demo has started before this program, and has started the building of the archive tool.
+# When scripts/demo started, and the process in which it builds the archive tool.
 STARTED = int(os.environ["KVN_DEMO_STARTED"])
 ARCHIVE_TOOL_PROCESS = int(os.environ["KVN_DEMO_ARCHIVE_TOOL"])
 
 
 @contextlib.contextmanager
 def step(title):
-    """Announces a step, and tells at its end how long it took."""
+    """Announces a step, and prints at its end how long it took."""
     begin = time.monotonic()
     print(f"\n\033[1m[{time.time() - STARTED:3.0f} s] {title}\033[0m", flush=True)
     yield
@@ -36,7 +36,7 @@ def step(title):
 
 
 def build():
-    """Builds what is shown, and makes the Wine prefix meanwhile."""
+    """Builds the programs, and makes the Wine prefix meanwhile."""
     prefix = subprocess.Popen([SCRIPTS / "wine-prefix", PREFIX])
     subprocess.run([SCRIPTS / "build", "windows-test", "KVNUpdater", "kvn_probe"], check=True)
     subprocess.run([SCRIPTS / "build", "linux-release", "kvn-release"], check=True)
@@ -46,7 +46,7 @@ def build():
 
 @contextlib.contextmanager
 def served(**environment):
-    """Serves the channel over TLS, and lets this checkout's Wine trust it."""
+    """Serves the channel over TLS, and makes this checkout's Wine trust it."""
     subprocess.run([CHANNEL_SERVER, "start", CHANNEL, SERVER], env={**os.environ, **environment}, check=True)
     try:
         subprocess.run([WINE_RUN, window.PROBE, "trust", SERVER / "certificates" / "authority.der"],
@@ -89,7 +89,7 @@ def show_window():
 
 
 def wait_for_archive_tool():
-    # When it has ended before, the shell that started it took its end.
+    # Raised when it ended before exec: then the shell has already waited for it.
     with contextlib.suppress(ChildProcessError):
         os.waitpid(ARCHIVE_TOOL_PROCESS, 0)
     subprocess.run([SCRIPTS / "wine-prefix", PREFIX], check=True)

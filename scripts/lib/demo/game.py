@@ -13,12 +13,12 @@ OFFERED_RELEASE = 42
 
 
 def _content(name, size):
-    """The same bytes for the same name at every call, and not to be compressed, like packed game data."""
+    """Bytes that are always the same for the same name and cannot be compressed, like packed game data."""
     return random.Random(name).randbytes(size)
 
 
 def _files(release):
-    """The content of every file of a release by its path. The newer one changes, drops and adds a few."""
+    """The content of each file of a release, by path. The newer release changes, drops and adds a few files."""
     files = {"Vorthmere.exe": _content(f"game {release}", 900_000), "KVNUpdater.exe": UPDATER.read_bytes(),
              "texts/welcome.txt": f"Welcome to release {release}.\n".encode(), "texts/empty.txt": b""}
     for number in range(1, 13):
@@ -43,7 +43,7 @@ def _write(folder, files):
 
 
 def publish_releases(folder, channel):
-    """Publishes both releases into the channel; kvn-release tells what it does."""
+    """Publishes both releases on the channel. kvn-release prints what it does."""
     for release in (INSTALLED_RELEASE, OFFERED_RELEASE):
         game = folder / f"game {release}"
         _write(game, _files(release))
@@ -58,7 +58,7 @@ def package(channel, release):
 
 
 def install_older_release(channel, folder):
-    """An installation as a player has it: the older release, and files of the player's own."""
+    """Makes a player's installation: the older release, and the player's own files."""
     shutil.rmtree(folder, ignore_errors=True)
     with zipfile.ZipFile(package(channel, INSTALLED_RELEASE)) as archive:
         archive.extractall(folder)

@@ -11,24 +11,24 @@ WORK_FOLDER = ".kvn-update"
 
 
 def options(installation):
-    """What every run of the demonstration is started with."""
+    """Options of every run."""
     return ["--apply", "--install", str(installation), "--current", str(INSTALLED_RELEASE), "--no-relaunch"]
 
 
 def local_package(channel):
-    """Options for the complete package from local files."""
+    """Options for an update from the package, with local files."""
     return ["--manifest-file", str(channel / "KVN-alpha.manifest"),
             "--package-file", str(package(channel, OFFERED_RELEASE))]
 
 
 def local_objects(channel):
-    """Options for an incremental update from local files."""
+    """Options for an incremental update, with local files."""
     return [*local_package(channel), "--inventory-file", str(package(channel, OFFERED_RELEASE)) + ".files",
             "--object-directory", str(channel)]
 
 
 def _digests(installation):
-    """The digest of every file but those of the work folder, by its path."""
+    """The digest of each file outside the work folder, by path."""
     files = (file for file in installation.rglob("*") if file.is_file())
     named = {file.relative_to(installation).as_posix(): file for file in files}
     return {name: hashlib.sha256(file.read_bytes()).hexdigest() for name, file in sorted(named.items())
@@ -51,7 +51,7 @@ def _what_happened(before, after, is_managed):
 
 
 def _show_files(before, after, managed):
-    """One line for each file that is not simply kept: what it was, what it is."""
+    """Prints a line for each file that the update changed and for each of the player's files."""
     print(f"    {'file':28} {'before':12} {'after':12}")
     kept = 0
     for name in sorted({*before, *after}):
@@ -72,7 +72,7 @@ def _show_verdict(after, published):
 
 
 def update_and_show(channel, installation, *more_options):
-    """Runs the updater without a window and prints everything that a person wants to know."""
+    """Runs the updater without a window and prints what it did."""
     before = _digests(installation)
     begin = time.monotonic()
     run = subprocess.run([WINE_RUN, UPDATER, *options(installation), "--test-no-ui", *more_options], check=False)

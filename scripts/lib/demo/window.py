@@ -11,14 +11,14 @@ from lib.demo.updates import WINE_RUN
 PROBE = BUILD / "windows-test" / "kvn_probe.exe"
 STATUS_LIMIT_S = 60
 LOOK_INTERVAL_S = 0.02
-# What Wine draws around a window: left, right and bottom; title.
+# The frame that Wine draws around a window, in pixels: left, right and bottom; and above, with the title.
 FRAME = 3
 TITLE = 22
 
 
 @contextlib.contextmanager
 def display():
-    """Starts a virtual display, gives its name, and ends it."""
+    """Starts a virtual display, yields its name, and ends it."""
     server = subprocess.Popen(["Xvfb", "-displayfd", "1", "-noreset", "-screen", "0", "1280x1024x24"],
                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
     try:
@@ -39,7 +39,7 @@ class UpdaterWindow:
         self._read_answer()
 
     def _read_answer(self):
-        """The lines up to the one that ends the answer: what stands after "=" by what stands before it."""
+        """Reads lines "name=value" up to the "." that ends an answer, into a dictionary."""
         answer = {}
         while (line := self._probe.stdout.readline().rstrip()) != ".":
             if not line:
@@ -54,19 +54,19 @@ class UpdaterWindow:
         return self._read_answer()
 
     def wait_for(self, status, position=0):
-        """Waits until the status begins with a text and the bar has come so far, in per cent."""
+        """Waits until the status begins with a text and the bar has reached a position, in percent."""
         deadline = time.monotonic() + STATUS_LIMIT_S
         while True:
             shown = self.tell("look")
             if shown["status"].startswith(status) and int(shown["position"]) >= position:
                 return
-            # After the window is gone it has no text.
+            # A closed window has no text.
             if not shown["status"] or time.monotonic() > deadline:
                 raise SystemExit(f"the window shows \"{shown['status']}\" instead of \"{status}\"")
             time.sleep(LOOK_INTERVAL_S)
 
     def take_picture(self, file):
-        """Of the window with its frame."""
+        """Takes a picture of the window with its frame."""
         (place,) = self.tell("place")
         left, top, width, height = (int(number) for number in place.split())
         area = f"{width + 2 * FRAME}x{height + TITLE + FRAME}+{left - FRAME}+{top - TITLE}"
@@ -74,7 +74,7 @@ class UpdaterWindow:
                        check=True)
 
     def exit_code(self):
-        """Waits for the updater's end."""
+        """Waits for the updater's end and returns its exit code."""
         (code,) = self.tell("exit-code")
         self._probe.stdin.close()
         self._probe.wait()
@@ -82,7 +82,7 @@ class UpdaterWindow:
 
 
 def show_update(options, pictures):
-    """Makes an update and leaves working.png, of its download, and succeeded.png."""
+    """Runs an update and takes two pictures: working.png during the download, and succeeded.png."""
     with display() as name:
         window = UpdaterWindow(name, options)
         window.wait_for("Downloading changed files...", position=40)
@@ -94,7 +94,7 @@ def show_update(options, pictures):
 
 
 def show_failure(options, pictures):
-    """Makes an update that fails, leaves failed.png and returns the exit code."""
+    """Runs an update that fails, takes the picture failed.png, and returns the exit code."""
     with display() as name:
         window = UpdaterWindow(name, options)
         window.wait_for("Update could not be completed.")

@@ -1,7 +1,7 @@
-"""The single changes that are made to a source. They are found by its tokens."""
+"""The single changes to a source, found by its tokens."""
 from lib.cpp_tokens import literal_text, tokens
 
-# Operators that stand between spaces, and what takes their place.
+# Operators between spaces, and their replacements.
 OPERATORS = {"==": "!=", "!=": "==", "<": "<=", "<=": "<", ">": ">=", ">=": ">", "&&": "||", "||": "&&", "+": "-",
              "-": "+", "*": "/"}
 VALUES = {"true": "false", "false": "true"}
@@ -18,7 +18,7 @@ class Source:
         self.tokens = [token for token in tokens(name) if self._first_word(token) not in lines]
 
     def _first_word(self, token):
-        """What the line of a token begins with, when that tells that the line is no code."""
+        """The beginning of the token's line: "#" for a directive, else the text up to a bracket or the token."""
         line = self.text[self.text.rfind("\n", 0, token.start) + 1:token.start] + token.text
         return "#" if line.lstrip().startswith("#") else line.split("(")[0].strip()
 
@@ -26,7 +26,7 @@ class Source:
         return self.text[token.start - 1] == " " and self.text[token.end:token.end + 1] == " "
 
     def starts_line(self, token):
-        """Whether the token is the first in its line, and a statement or block has begun or ended before it."""
+        """Whether the token is the first in its line, after the end of a statement or the start or end of a block."""
         before = self.text[:token.start].rstrip()
         return before.endswith((";", "{", "}")) and "\n" in self.text[len(before):token.start]
 
@@ -35,7 +35,7 @@ class Source:
 
 
 def _other_values(source):
-    """An operator, a number, a text or a truth value is another one."""
+    """Replaces an operator, a number, a text or a truth value."""
     for token in source.tokens:
         text = literal_text(token)
         if token.text in OPERATORS and source.is_spaced(token):
@@ -64,7 +64,7 @@ def _closing(found, opening):
 
 
 def _end_of_statement(found, first):
-    """The number of the ";" that ends what begins at `first`; None when a block comes before it."""
+    """The number of the ";" that ends the statement from `first` on; None when a block comes before it."""
     for number in range(first, len(found)):
         if found[number].text in "{}":
             return None
@@ -74,7 +74,7 @@ def _end_of_statement(found, first):
 
 
 def _dropped_checks(source):
-    """A check that leaves is dropped together with what it does."""
+    """Drops a check together with the statement that leaves."""
     found = source.tokens
     for number, token in enumerate(found):
         if token.text != "if" or found[number + 1].text != "(":
@@ -86,7 +86,7 @@ def _dropped_checks(source):
 
 
 def _is_dropped_alone(words):
-    """Whether a statement, given as its words without the ";", only calls something, counts up or assigns."""
+    """Whether a statement, given as its words without the ";", is only a call, an increment or an assignment."""
     if "=" not in words and words[-1] == ")" and len(words) > 2 and words[1] in ("(", ".", "->"):
         return True
     if words[0] == "++":
@@ -105,13 +105,13 @@ def _dropped_statements(source):
         if end is None:
             continue
         words = [word.text for word in found[number:end]]
-        # Of a declaration the second word is a name.
+        # In a declaration the second word is a name.
         if len(words) > 1 and not (words[0].isidentifier() and words[1].isidentifier()) and _is_dropped_alone(words):
             yield source.line_start(token), found[end].end, ""
 
 
 def _operand_end(found, operator):
-    """The token before which the operand right of an operator ends."""
+    """The number of the token after the right operand of an operator."""
     depth, number = 0, operator + 1
     while number < len(found):
         text = found[number].text
@@ -123,7 +123,7 @@ def _operand_end(found, operator):
 
 
 def _operand_start(found, operator):
-    """The token with which the operand left of an operator begins."""
+    """The number of the first token of the left operand of an operator."""
     depth, number = 0, operator
     while number > 0:
         text = found[number - 1].text
@@ -135,7 +135,7 @@ def _operand_start(found, operator):
 
 
 def _dropped_operands(source):
-    """One side of every && and || is dropped, with its operator."""
+    """Drops one side of each && and ||, with the operator."""
     found = source.tokens
     for number, token in enumerate(found):
         if token.text in ("&&", "||") and source.text[token.start - 1] == " " and source.text[token.end].isspace():
@@ -144,7 +144,7 @@ def _dropped_operands(source):
 
 
 def changes(name, text):
-    """Every single change of a source: where it starts and ends in the text, and what stands there instead."""
+    """All single changes of a source: where each starts and ends in the text, and the text that replaces it."""
     source = Source(name, text)
     for kind in (_other_values, _dropped_checks, _dropped_statements, _dropped_operands):
         yield from kind(source)

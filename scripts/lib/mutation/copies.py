@@ -1,4 +1,4 @@
-"""Copies of the sources in which mutants are built and tried."""
+"""Copies of the sources, in which mutants are built and tested."""
 import shutil
 import subprocess
 
@@ -19,7 +19,7 @@ def _succeeds(command, folder, seconds):
 
 
 class Copy:
-    """A copy of the sources with builds of its own, in which everything passes as long as nothing is changed."""
+    """A copy of the sources with its own builds. Without a change all tests pass in it."""
 
     def __init__(self, number, groups):
         self.folder = WORK / str(number)

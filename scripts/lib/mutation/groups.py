@@ -1,10 +1,10 @@
-"""What is changed, and which tests have to notice. A new source or test program is entered here."""
+"""The sources that are changed, and the tests that must notice. Enter a new source or test program here."""
 import dataclasses
 
 
 @dataclasses.dataclass(frozen=True)
 class Test:
-    """A test program: its target, where it lies in the build folder, and its arguments."""
+    """A test program: its target, its path in the build folder, and its arguments."""
 
     target: str
     program: str
@@ -13,7 +13,7 @@ class Test:
 
 @dataclasses.dataclass(frozen=True)
 class Group:
-    """Sources that the same tests cover, and how these are built."""
+    """Sources that the same tests cover, and how to build the tests."""
 
     sources: tuple
     tests: tuple

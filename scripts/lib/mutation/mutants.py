@@ -1,8 +1,8 @@
-"""Sources with one change in them."""
+"""Sources with one change."""
 from lib.checkout import ROOT
 from lib.mutation.changes import changes
 
-# One byte is one character, as places in a source are counted in bytes.
+# One character for each byte: places in a source are counted in bytes.
 ENCODING = "latin-1"
 
 
@@ -11,7 +11,7 @@ def source_text(name):
 
 
 class Mutant:
-    """A source with one change. `key` tells it from all others and stays the same when the code around it moves."""
+    """A source with one change. `key` is made of the changed lines, so it stays when the code around them moves."""
 
     def __init__(self, group, name, text, start, end, new):
         self.group = group
@@ -25,7 +25,7 @@ class Mutant:
 
 
 def mutants(groups, names):
-    """All of the named sources, or of every source of the groups when none is named."""
+    """The mutants of the named sources, or of all sources of the groups when none is named."""
     found = {}
     for group in groups:
         for name in group.sources:
