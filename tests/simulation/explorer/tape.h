@@ -49,7 +49,7 @@ public:
         return taken_;
     }
 
-    /// The record after this one, counted up like an odometer; nothing after the last.
+    /// The record after this one, counted up like an odometer; nothing after the last record.
     ///
     /// @param fixed so many leading numbers stay as they are
     [[nodiscard]] std::optional<Choices> next(std::size_t fixed = 0) const;
