@@ -13,7 +13,7 @@
 namespace vorthmere::update::contract {
 namespace {
 
-/// These calls do not tell why they fail.
+/// These calls do not report why they fail.
 std::error_code asFailure(bool succeeded) {
     return succeeded ? std::error_code() : failureOf(1);
 }

@@ -17,8 +17,7 @@ std::string inWords(unsigned rights) {
     return words.empty() ? " nothing" : words;
 }
 
-/// The rule: the access of each must be among what the other shares. It does not apply to a handle for attributes
-/// alone.
+/// The rule: the access of each must be among what the other shares. A handle for attributes alone is exempt.
 bool goTogether(const Hold& held, unsigned wanted, unsigned shared) {
     if (held.access == access::none) return true;
     return (wanted & ~held.sharing) == 0 && (held.access & ~shared) == 0;

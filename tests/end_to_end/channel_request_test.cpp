@@ -291,8 +291,7 @@ TEST_F(ChannelRequestTest, ABodyShorterThanAdvertisedIsRefused) {
     for (std::size_t i = 0; i < ends.size(); ++i) {
         SCOPED_TRACE(ends[i]);
         EXPECT_EQ(outcomes[i].result, "false");
-        // On Windows a lost connection may show as a failed read, and a reset discards what has arrived but is not read
-        // yet.
+        // On Windows a lost connection may show as a failed read. A reset discards what has arrived but was not read.
         EXPECT_THAT(outcomes[i].sentence,
                     testing::AnyOf(kWrongLength, MatchesRegex(kReadFailed), MatchesRegex(kEndedUnexpectedly),
                                    MatchesRegex(kRequestFailed)));

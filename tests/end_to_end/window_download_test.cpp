@@ -11,8 +11,7 @@ namespace vorthmere::end_to_end {
 namespace {
 
 constexpr std::size_t kLargeFile = std::size_t{40} * 1024 * 1024;
-// Some forty megabytes arrive in thousands of pieces, but only steps that look different are posted: each file, each
-// percent.
+// Forty megabytes arrive in thousands of pieces, but only steps that look new are posted: each file, each percent.
 constexpr long kFewestSteps = 100;
 constexpr long kMostSteps = 200;
 constexpr long kMedianLimit = 100'000;     // microseconds

@@ -113,8 +113,7 @@ public:
     /// Maps a file as data. The mapping stays when the handle is closed.
     Error map(std::string_view path);
     void unmap(std::string_view path);
-    /// The target is taken as written. A link to a folder may take the place of an empty folder; else the path must be
-    /// free.
+    /// The target is taken as written. A link to a folder may replace an empty folder; else the path must be free.
     Error createLink(std::string_view path, std::uint32_t reparseTag, std::string_view target, bool toFolder);
     /// Records that a process runs this file. @return the error that CreateProcessW gives for the file
     Error beginImage(std::string_view path, EntryId& image);

@@ -99,8 +99,7 @@ struct Fault {
 
 [[nodiscard]] std::string describe(const Fault& fault);
 
-/// All faults that an operation can have by the rules of Windows, each once (`always` is false). The tables are in
-/// faults.cpp.
+/// All faults that an operation can have by the rules of Windows, each once (`always` is false). See faults.cpp.
 [[nodiscard]] std::span<const Fault> faultsOf(Operation operation);
 
 /// The program under test is killed. `effect` is what its call still did; part: it was in the middle of it.

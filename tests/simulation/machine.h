@@ -66,7 +66,7 @@ public:
     /// The caller ends by itself. @return what it had not closed, in words; Windows closes it now
     std::vector<std::string> endCaller(std::uint32_t exitCode = 0);
 
-    /// The caller ends between two instructions; Windows closes what it holds, its children go on.
+    /// The caller ends between two instructions; Windows closes what it holds, and its children continue.
     void killCaller();
 
     /// All processes end, and unflushed bytes meet their fate. Names stay.

@@ -41,7 +41,7 @@ namespace vorthmere::update::simulation {
 
 /// Makes one call.
 ///
-/// @param work    does as much of it as it is told: Error(Machine&, Extent)
+/// @param work    does as much of the call as the extent says: Error(Machine&, Extent)
 /// @param yielded what the call yields, when the log is to show it
 /// @return the error for the caller
 /// @throws Crashed, Hung

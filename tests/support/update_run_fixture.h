@@ -23,8 +23,7 @@ protected:
     explicit UpdateRunTest(const std::wstring& installationName = L"a game");
     void TearDown() override;
 
-    /// Publishes release 42 with these files: package, inventory and objects. Tests that need no release do not call
-    /// it.
+    /// Publishes release 42 with these files: package, inventory and objects. Not every test needs it.
     void publish(const FileTree& files);
     void publishSampleRelease() {
         publish(sampleReleaseFiles(42));

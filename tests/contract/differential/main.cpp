@@ -62,8 +62,7 @@ public:
     }
 
 private:
-    /// Takes one sequence. @return false when the two differ and nothing excuses it; then it prints the shortest such
-    /// steps
+    /// Takes one sequence. @return false when the two differ without an excuse; then it prints the shortest such steps
     bool report(std::uint64_t sequence) {
         const std::vector<Step> steps = drawSteps(options_.seed * 1'000'003 + sequence);
         const Result result = take(steps);

@@ -42,8 +42,7 @@ constexpr std::size_t kOddsOfOtherCase = 12;
 constexpr std::size_t kOddsOfOddPath = 30;
 constexpr std::size_t kOddsOfLeavingOut = 5;
 
-/// Draws a path, often the sequence's favourite, so that its steps affect each other. Sometimes changes a letter's
-/// case.
+/// Draws a path, often the sequence's favourite, so that steps affect each other. Sometimes changes a letter's case.
 std::string drawPath(Random& random, std::string_view favourite) {
     std::string path(favourite);
     if (random.below(kOddsOfOddPath) == 0)

@@ -100,8 +100,7 @@ bool relativeKeyOf(std::string_view path, std::string& relative) {
     return false;
 }
 
-// A failed relaunch begins the swapped installation. After that, only a failure in the swapped one can begin a
-// rollback.
+// A failed relaunch begins the swapped installation. Then only a failure in that one can begin a rollback.
 WayBack::WayBack(const Outcome& outcome) {
     const std::vector<Call>& calls = outcome.calls;
     const std::size_t relaunch = failedRelaunch(outcome);

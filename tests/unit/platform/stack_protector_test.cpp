@@ -15,8 +15,7 @@ namespace {
         target[i] = 'x';
 }
 
-// The protector ends the program by an illegal instruction. Without it the program continues, or jumps to a wrong
-// address.
+// The protector ends the program by an illegal instruction. Without it the program continues or jumps elsewhere.
 bool endedByTheProtector(int exitCode) {
     return static_cast<DWORD>(exitCode) == EXCEPTION_ILLEGAL_INSTRUCTION;
 }

@@ -114,7 +114,7 @@ TEST_F(WorkerTest, RecordsOfAWholeRunLeaveNothingOnTheHeap) {
     EXPECT_EQ(testing::heapInUse(), before);
 }
 
-// This program sets no handler for std::terminate, so only the worker can have set one, as some C libraries require.
+// This program sets no handler for std::terminate, so the worker has to set one. Some C libraries keep one a thread.
 TEST_F(WorkerTest, ExceptionThatLeavesTheRunEndsTheProcessWithTheCodeOfAFatalEnd) {
     makeCurrentInstallation();
     const std::filesystem::path program = installation / "KVNUpdater.exe";
