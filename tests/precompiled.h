@@ -1,7 +1,7 @@
 #pragma once
 
-// Parsed once for all tests, as reading these headers is most of the work of compiling a test. A test includes what it
-// uses all the same.
+// Parsed once for all tests, because reading these headers is most of the work of compiling a test. A test still
+// includes what it uses.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

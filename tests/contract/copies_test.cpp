@@ -74,7 +74,7 @@ TEST(CopyContract, CopiesWhatOthersHold) {
          .call = copying("a", "b"),
          .after = "a=a b=a",
          .also = [](World& world, const Scene& scene) { ASSERT_EQ(world.map(scene.at("a")), 0u); }},
-        // Windows has made the target by then and takes it away again.
+        // Windows has created the target by then and removes it again.
         {.rule = "a locked file is not copied",
          .entries = "a",
          .call = copying("a", "b"),

@@ -1,4 +1,4 @@
-// What becomes of the name of a file or a folder that is deleted while somebody holds it.
+// What happens to the name of a file that is deleted while another program holds it.
 #include "tests/contract/calls.h"
 
 namespace vorthmere::update::contract {
@@ -6,7 +6,7 @@ namespace {
 
 class DeletionContract : public ContractTest {
 protected:
-    /// Deletes d/a while another program holds it, in each way that the world can show, and lets `test` look at it.
+    /// Deletes d/a while another program holds it, in each way that the world can show, and runs `test` each time.
     template <typename Test>
     void inEachWay(const Test& test) {
         for (const Deletion deletion : world.deletions()) {

@@ -13,14 +13,14 @@ constexpr std::uint32_t kLongWaitMs = 30000;
 
 class ProgramContract : public ContractTest {
 protected:
-    /// Starts the archive tool to list a package, its output going into the pipe; the write end stays open.
+    /// Starts the archive tool to list a package. Its output goes into the pipe, whose write end stays open.
     ProcessHandle startArchiveTool(const Pipe& pipe, std::string_view folder = "") {
         const std::filesystem::path tool = systemFolder() / "tar.exe";
         const std::wstring commandLine = L"\"" + tool.wstring() + L"\" -tf missing.zip";
         return startCaptured(tool, commandLine, scene.at(folder), pipe.writeEnd, failure);
     }
 
-    /// What comes out of the pipe until nobody can write to it.
+    /// Reads the pipe until nobody can write to it.
     std::string readToTheEnd(const Pipe& pipe) {
         std::string all;
         std::array<char, 64> block{};

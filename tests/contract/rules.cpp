@@ -16,7 +16,7 @@ const WineException* exceptionOf(std::string_view rule) {
     return at == all.end() ? nullptr : &*at;
 }
 
-/// After a whole run each exception has been asked for: one whose rule no test has is a mistake.
+/// Checks after a whole run that each exception names the rule of a test.
 class ExceptionsAreNeeded : public ::testing::Environment {
     void TearDown() override {
         if (GTEST_FLAG_GET(filter) != "*" || World::create()->isWindowsToTheLetter()) return;

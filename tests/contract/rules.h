@@ -11,26 +11,25 @@
 
 namespace vorthmere::update::contract {
 
-/// What a call told, and what it left.
+/// What a call returned, and the tree that it left.
 struct Outcome {
-    std::uint32_t number = 0;  ///< Windows'; 0 for success
-    std::string tree = {};     ///< empty when nobody looks at it
+    std::uint32_t number = 0;  ///< Windows' error; 0 for success
+    std::string tree = {};     ///< empty when the test does not look
 
     friend bool operator==(const Outcome&, const Outcome&) = default;
 };
 
-/// Compares the outcome of a call with that which a rule of Windows demands, or, under Wine, with what the rule's
-/// exception says.
+/// Compares the outcome of a call with what a rule of Windows demands or, under Wine, with the rule's exception.
 ///
-/// @param rule names it; unique among all tests
+/// @param rule the rule's name, unique among all tests
 [[nodiscard]] ::testing::AssertionResult follows(const World& world, std::string_view rule, const Outcome& outcome,
                                                  const Outcome& demanded);
 
-/// The same for a call of which nothing but its answer counts.
+/// The same for a call of which only the returned error counts.
 [[nodiscard]] ::testing::AssertionResult follows(const World& world, std::string_view rule,
                                                  const std::error_code& failure, std::uint32_t demanded);
 
-/// True when the world is excused from the rule, so that what comes of it need not be looked at.
+/// True when the world is excused from the rule, so that the test need not look at the outcome.
 [[nodiscard]] bool isExcused(const World& world, std::string_view rule);
 
 }  // namespace vorthmere::update::contract

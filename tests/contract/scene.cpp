@@ -103,7 +103,8 @@ void Scene::make(std::string_view entries) const {
 }
 
 void Scene::listInto(std::string& tree, const fs::path& folder, const std::string& prefix) const {
-    // A listing that has the folder itself would never end, and under Wine a full stack ends a program with 0.
+    // A listing that contains the folder itself would never end. Under Wine, a program that runs out of stack exits
+    // with 0, which looks like success.
     if (std::count(prefix.begin(), prefix.end(), '/') > kDeepest) throw std::runtime_error("folders without an end");
     std::error_code failure;
     std::vector<FolderEntry> entries = listFolder(folder, failure);

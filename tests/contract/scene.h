@@ -16,9 +16,9 @@
 
 namespace vorthmere::update::contract {
 
-/// A world and what the tests do in its folder, through the platform's functions alone. Paths are relative to the
-/// folder, "/" separated; those that begin with a drive are taken as they are, and one after a "?" is given with the
-/// prefix that lifts the limit of its length.
+/// A world, and what the tests do in its folder through the platform's functions alone. Paths are relative to the
+/// folder and "/" separated. A path that begins with a drive is used as it is. A "?" before a path adds the prefix that
+/// lifts the limit of its length.
 class Scene {
 public:
     std::unique_ptr<World> world = World::create();
@@ -29,7 +29,7 @@ public:
     Scene(const Scene&) = delete;
     Scene& operator=(const Scene&) = delete;
 
-    /// From now on paths start in a new, empty folder of this world: much cheaper than another world.
+    /// Makes paths start in a new, empty folder of this world. That is much cheaper than another world.
     void startAnew();
 
     [[nodiscard]] std::filesystem::path at(std::string_view path) const;
@@ -42,9 +42,9 @@ public:
     [[nodiscard]] std::string tree() const;
 
     void write(std::string_view path, std::string_view content) const;
-    /// Nothing but "cannot be read" when that is so.
+    /// The content of a file, or "cannot be read".
     [[nodiscard]] std::string read(std::string_view path) const;
-    /// 0 when there is none.
+    /// 0 when there is no such entry.
     [[nodiscard]] std::uint32_t attributesOf(std::string_view path) const;
 
 private:
@@ -62,7 +62,7 @@ struct Hold {
     unsigned sharing = access::none;
 };
 
-/// One rule of the contract: what a call tells and leaves, in a folder with given entries.
+/// One rule of the contract: what a call returns and leaves in a folder with these entries.
 struct Case {
     std::string_view rule;  ///< names it among all rules
     std::string_view entries;
@@ -73,10 +73,10 @@ struct Case {
     std::function<void(World&, const Scene&)> also = nullptr;  ///< what else another program does before
 };
 
-/// Tries every case in a folder of its own.
+/// Tries every case in its own folder.
 void expectAll(const std::vector<Case>& cases);
 
-/// The base of the tests.
+/// The base of the contract's tests.
 class ContractTest : public ::testing::Test {
 protected:
     Scene scene;

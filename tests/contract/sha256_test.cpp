@@ -13,7 +13,7 @@
 namespace vorthmere::update::contract {
 namespace {
 
-/// These calls do not tell why they fail.
+/// These calls do not report why they fail.
 std::error_code asFailure(bool succeeded) {
     return succeeded ? std::error_code() : failureOf(1);
 }
@@ -27,7 +27,7 @@ protected:
         return std::vector<std::uint8_t>(bytes);
     }
 
-    /// Adds a text in pieces of a length.
+    /// The digest of a text that is added in pieces of this length.
     [[nodiscard]] static std::string digestOf(std::string_view text, std::size_t piece) {
         const DigestProvider provider = openSha256();
         std::vector<std::uint8_t> memory = memoryFor(provider);

@@ -17,13 +17,13 @@ std::string inWords(unsigned rights) {
     return words.empty() ? " nothing" : words;
 }
 
-/// The rule: each one's access must be among what the other shares. A handle for attributes alone takes no part.
+/// The rule: the access of each must be among what the other shares. A handle for attributes alone is exempt.
 bool goTogether(const Hold& held, unsigned wanted, unsigned shared) {
     if (held.access == access::none) return true;
     return (wanted & ~held.sharing) == 0 && (held.access & ~shared) == 0;
 }
 
-/// A call on the held file "a", beside which lies "b".
+/// A call on the held file "a". Another file, "b", lies beside it.
 struct SharedCall {
     std::string_view name;
     SceneCall call;
@@ -68,7 +68,7 @@ INSTANTIATE_TEST_SUITE_P(EveryCall, SharingContract, ::testing::Range<std::size_
                              return name;
                          });
 
-// Whatever the holder does and shares: 5, not 32. Only a handle for attributes alone was not looked at on Windows.
+// Whatever the holder does and shares, the error is 5, not 32. A handle for attributes alone was not tried on Windows.
 TEST_F(ContractTest, NoFileThatIsHeldIsReplacedByAMove) {
     scene.make("a b");
     for (unsigned held = access::read; held <= access::all; ++held)

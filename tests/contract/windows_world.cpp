@@ -91,7 +91,7 @@ public:
         views_.push_back(std::move(view));
         return 0;
     }
-    // What a process has of its current folder is such a handle.
+    // A process keeps such a handle of its current folder.
     std::uint32_t enter(const std::filesystem::path& folder) override {
         const DWORD attributes = GetFileAttributesW(folder.c_str());
         if (attributes == INVALID_FILE_ATTRIBUTES) return GetLastError();

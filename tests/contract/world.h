@@ -8,7 +8,7 @@
 
 namespace vorthmere::update::contract {
 
-/// What a handle may do and what it lets others do: sums of these. An access of `none` asks for attributes alone.
+/// What a handle may do, and what it lets others do, as sums of these. An access of `none` asks for attributes alone.
 namespace access {
 inline constexpr unsigned none = 0;
 inline constexpr unsigned read = 1;
@@ -17,7 +17,7 @@ inline constexpr unsigned remove = 4;
 inline constexpr unsigned all = read | write | remove;
 }  // namespace access
 
-/// What becomes of the name of a deleted file that somebody still holds.
+/// What happens to the name of a deleted file that another program still holds.
 enum class Deletion {
     classic,  ///< it stays until the last holder lets go
     atOnce,
@@ -27,7 +27,7 @@ enum class Deletion {
 /// platform's functions alone.
 class World {
 public:
-    /// A world with an empty folder of its own.
+    /// A world with its own empty folder.
     ///
     /// @throws std::runtime_error when it cannot be made
     [[nodiscard]] static std::unique_ptr<World> create();
@@ -41,7 +41,7 @@ public:
     /// False under Wine: then the exceptions of exceptions.h hold.
     [[nodiscard]] virtual bool isWindowsToTheLetter() const = 0;
 
-    // What another program does. Each returns Windows' number, 0 when it could.
+    // What another program does. Each returns Windows' error number, 0 for success.
 
     /// Opens a file and keeps it open.
     virtual std::uint32_t hold(const std::filesystem::path& file, unsigned access, unsigned sharing) = 0;
@@ -51,7 +51,7 @@ public:
     virtual std::uint32_t map(const std::filesystem::path& file) = 0;
     /// Makes a folder its current one.
     virtual std::uint32_t enter(const std::filesystem::path& folder) = 0;
-    /// Ends all of this.
+    /// Ends what hold(), lock(), map() and enter() began.
     virtual void letGo() = 0;
 
     /// Makes a symbolic link.

@@ -10,16 +10,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A Windows of its own, with nothing in it that the updater needs but the archive tool, which each test takes away.
+/// Runs the updater in a separate Windows, from which the archive tool was removed.
 class ArchiveToolTest : public EndToEndTest {
 protected:
     ArchiveToolTest() : tool(prefix / "drive_c" / "windows" / "system32" / "tar.exe") {
-        // A prefix that any Windows program of these tests has used before is complete.
+        // Once a Windows program of these tests has run, the shared prefix is complete.
         const ProcessOptions silent{.currentFolder = {}, .outputFile = "/dev/null", .environment = {}};
         ChildProcess(wineCommand(probeProgram(), {"run"}), silent).wait(Milliseconds(120'000));
         copyPrefix();
         fs::create_directories(caches);
-        // With no archive tool in the cache the prefix is taken as it is.
+        // Without an archive tool in the cache, scripts/wine-run takes the prefix as it is.
         useEnvironment({"KVN_WINEPREFIX=" + prefix.string(), "XDG_CACHE_HOME=" + caches.string()});
     }
 
@@ -30,7 +30,7 @@ protected:
         fs::remove_all(home);
     }
 
-    /// Everything that programs change is copied; the rest is shared with the prefix of the checkout.
+    /// Copies everything that programs change, and shares the rest with the prefix of the checkout.
     void copyPrefix() const {
         const fs::path origin = winePrefix();
         fs::create_directories(tool.parent_path());
@@ -60,7 +60,7 @@ TEST_F(ArchiveToolTest, IsMissingWhenThereIsNoneOrAFolderOfThatName) {
     EXPECT_EQ(runUpdater(Source::completePackage), 20);
     expectInstallation(before);
 
-    // Another tool of that name elsewhere does not count, and the incremental way needs none.
+    // A tool of that name elsewhere does not count, and an incremental update needs none.
     fs::copy_file(winePrefix() / "drive_c" / "windows" / "system32" / "tar.exe",
                   prefix / "drive_c" / "windows" / "tar.exe");
     fs::copy_file(winePrefix() / "drive_c" / "windows" / "system32" / "tar.exe", scenario.installation / "tar.exe");

@@ -1,11 +1,11 @@
-// Whole runs of the real program against a server that plays faults: how each run ends, with which exit code and which
-// sentence in the window, and what becomes of the installation.
+// Whole runs of the real program against a server that plays faults: the exit code, the sentence in the window, and the
+// installation after each run.
 //
-// The runs of a test take place side by side, each on an installation of its own, so that time-outs overlap. The next
-// run starts when the request that the server answers with a fault has arrived, which gives every run its own answer.
+// The runs of a test overlap, each on its own installation, and so do their time-outs. The next run starts when the
+// server has received the request that it answers with a fault, so that every run gets its own answer.
 //
-// Windows and Wine differ in what their HTTP clients do about a fault. What is expected is common to both; see
-// channel_request_test.cpp for the differences.
+// The HTTP clients of Windows and Wine treat some faults differently. These tests expect what both have in common;
+// channel_request_test.cpp names the differences.
 
 #include <gmock/gmock.h>
 
@@ -31,7 +31,7 @@ using testing::MatchesRegex;
 
 using Sentence = testing::Matcher<const std::string&>;
 
-// Every step of a run is bounded by 5 s of silence; the rest is for a busy machine.
+// After 5 s of silence every step of a run ends; the rest is for a busy machine.
 constexpr Milliseconds kRunLimit{40'000};
 
 constexpr int kManifestUnavailable = 11;
@@ -39,7 +39,7 @@ constexpr int kDownloadFailed = 15;
 constexpr int kWrongSize = 17;
 constexpr int kWrongDigest = 18;
 
-/// A way to answer a request that no run can be content with, whatever was asked for.
+/// An answer that fails every download, whatever was asked for.
 struct Fault {
     std::string name;
     std::string how;  ///< for the server, without the body
@@ -64,7 +64,7 @@ std::vector<Fault> faultsOfAnyDownload() {
     faults.push_back({"chunks-stalled", "chunked=yes send=20 end=stall", noMore});
     faults.push_back({"cut-short", "send=20", kWrongLength});
     faults.push_back({"connection-lost", "send=20 end=drop", AnyOf(kWrongLength, noMore)});
-    // A reset takes along what has arrived and is not read yet, even the head of the answer.
+    // A reset discards what has arrived but is not read yet, even the head of the answer.
     faults.push_back(
         {"connection-reset", "send=20 end=reset", AnyOf(kWrongLength, noMore, MatchesRegex(kRequestFailed))});
     faults.push_back({"advertised-above-any-limit", "length=536870913 send=20 end=stall", kTooLarge});
@@ -120,15 +120,15 @@ protected:
         serve(run.packageName(), packageBody(run));
     }
 
-    /// Starts a run and returns when it has asked for the file that many times, all runs taken together.
+    /// Starts a run and waits until all runs together have asked for the file `count` times.
     void start(ChannelRun& run, ChannelRun::Expectation expectation, const std::string& fileName, std::size_t count) {
         run.start(std::move(expectation));
         server.waitForRequests(channelPath(fileName), count);
     }
 
     void finishAll() {
-        // Wine waits for the head of an answer as long as it takes. These runs are let go when the others, which end by
-        // themselves, have shown that they do.
+        // Wine waits for the head of an answer without a limit. The server releases these runs after the others have
+        // ended by themselves.
         for (const auto& run : runs_)
             if (!run->name.ends_with("head-stalled")) run->finish(kRunLimit);
         server.release();
@@ -284,7 +284,7 @@ TEST_F(ChannelFaultTest, AnInventoryOfTheLimitIsRead) {
     finishAll();
 }
 
-// The fault is in the second object, so that some of the release is staged already when it strikes.
+// The fault is in the second object, so that part of the release is staged already when it occurs.
 TEST_F(ChannelFaultTest, AnObjectFaultLeadsToTheCompletePackage) {
     const auto objects = changedObjects();
     const auto& [firstName, firstContent] = objects.at(0);
@@ -329,7 +329,8 @@ TEST_F(ChannelFaultTest, AHandshakeThatIsCutEndsTheRun) {
     finishAll();
 }
 
-// A server whose certificate becomes bad between two downloads: the program trusts no connection for an earlier one.
+// The server's certificate becomes bad between two downloads. The program must not trust a connection because of an
+// earlier one.
 TEST_F(ChannelFaultTest, EveryDownloadChecksTheCertificate) {
     ChannelRun& run = newRun("turned");
     serve(kManifest, "piece=100 pause=0.3" + body(renderManifest(run.manifest)));

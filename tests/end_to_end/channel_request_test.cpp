@@ -1,12 +1,12 @@
-// What the HTTPS client and the downloads say about single requests, faults above all. The probe program calls them in
-// one process, all requests of a test at once, so that time-outs run side by side.
+// What the HTTPS client and the downloads report about single requests, mostly about faults. The probe program makes
+// all requests of a test at once, so that time-outs overlap.
 //
-// Where the platform's HTTP client decides, Wine's differs from Windows', and the tests hold to what is common:
+// Where the HTTP clients of Wine and Windows differ, the tests expect what both have in common:
 // - The number of a Windows error. Wine says 12157 for every certificate and 10060 for a silent server, Windows 12175
 //   and 12002.
-// - Wine waits for a handshake and for the head of an answer without a limit of time.
-// - Windows refuses a chunked body without its last chunk, Wine takes it for a whole one. What is downloaded is
-//   verified by size and digest afterwards in any case.
+// - Wine waits for a handshake and for the head of an answer without a time limit.
+// - Windows refuses a chunked body without its last chunk; Wine accepts it as whole. In any case size and digest are
+//   verified after the download.
 
 #include <gmock/gmock.h>
 
@@ -31,11 +31,11 @@ using testing::MatchesRegex;
 
 constexpr Milliseconds kProbeLimit{60'000};
 
-// The receive time-out with room for a busy machine.
+// The receive time-out, without and with room for a busy machine.
 constexpr unsigned long kReceiveTimeoutMs = 5000;
 constexpr unsigned long kInTimeMs = 9000;
 
-/// What a job of the probe came to.
+/// How a job of the probe ended.
 struct Outcome {
     std::string result;
     std::string sentence;
@@ -46,7 +46,7 @@ struct Outcome {
 
 class ChannelRequestTest : public testing::Test {
 protected:
-    /// Performs the jobs at once; job N downloads into file N.
+    /// Performs the jobs at the same time; job N downloads into file N.
     std::vector<Outcome> perform(const std::vector<std::string>& jobs) {
         ChildProcess probe = start(jobs);
         return collect(probe, jobs.size());
@@ -78,7 +78,7 @@ protected:
         return perform({job}).front();
     }
 
-    /// Writes a body for the server's answers and returns how to say so.
+    /// Writes a body for the server's answers and returns the words that name it.
     std::string body(const std::string& content) {
         const auto file = folder_ / ("body" + std::to_string(++bodies_));
         writeFile(file, content);
@@ -90,7 +90,7 @@ protected:
         return folder_ / std::to_string(number);
     }
 
-    /// Its content; "(none)" when there is no such file.
+    /// The content of that file; "(none)" when there is no such file.
     std::string downloaded(std::size_t number) {
         return exists(target(number)) ? readFile(target(number)) : "(none)";
     }
@@ -157,7 +157,7 @@ TEST_F(ChannelRequestTest, PortPathAndQueryAreTakenFromTheAddress) {
 }
 
 TEST_F(ChannelRequestTest, AnythingButStatus200IsRefusedByItsNumber) {
-    // Whoever followed a redirection would make a request that the server does not expect.
+    // A client that followed a redirection would make a request that the server does not expect.
     const std::string elsewhere = "location=" + channelUrl("elsewhere") + " ";
     const std::vector<std::pair<std::string, std::string>> answers{
         {"201", body("x")},
@@ -291,8 +291,7 @@ TEST_F(ChannelRequestTest, ABodyShorterThanAdvertisedIsRefused) {
     for (std::size_t i = 0; i < ends.size(); ++i) {
         SCOPED_TRACE(ends[i]);
         EXPECT_EQ(outcomes[i].result, "false");
-        // An end that the connection itself tells may show as a failed read on Windows, and a reset takes along what
-        // has arrived and is not read yet.
+        // On Windows a lost connection may show as a failed read. A reset discards what has arrived but was not read.
         EXPECT_THAT(outcomes[i].sentence,
                     testing::AnyOf(kWrongLength, MatchesRegex(kReadFailed), MatchesRegex(kEndedUnexpectedly),
                                    MatchesRegex(kRequestFailed)));
@@ -303,7 +302,7 @@ TEST_F(ChannelRequestTest, ABodyShorterThanAdvertisedIsRefused) {
 TEST_F(ChannelRequestTest, NothingBehindTheAdvertisedLengthIsStored) {
     server.answer(channelPath("long"), "length=900 " + body(std::string(900, 'a') + std::string(100, 'b')));
     const Outcome outcome = performOne(fileJob(2000, "long"));
-    // Windows drops what follows. Wine tells of it as available and then does not hand it out, which ends the download.
+    // Windows drops what follows. Wine reports it as available but then does not deliver it, which ends the download.
     EXPECT_THAT(outcome.sentence, testing::AnyOf("", MatchesRegex(kEndedUnexpectedly)));
     EXPECT_EQ(downloaded(0), std::string(900, 'a'));
 }
@@ -346,7 +345,7 @@ TEST_F(ChannelRequestTest, AManifestMayHave8192BytesAndNoMore) {
     server.answer(channelPath("empty"), "length=none");
     const std::vector<Outcome> outcomes = perform({manifestJob("at"), manifestJob("chunked-at"), manifestJob("beyond"),
                                                    manifestJob("chunked-beyond"), manifestJob("empty")});
-    // What arrives whole reaches the manifest reader, which has its own opinion of these.
+    // A body that arrives whole reaches the manifest reader, which refuses these.
     EXPECT_EQ(outcomes[0].sentence, "Manifest header is invalid.");
     EXPECT_EQ(outcomes[1].sentence, "Manifest header is invalid.");
     EXPECT_EQ(outcomes[2].sentence, kTooLarge);

@@ -1,4 +1,4 @@
-// Whole runs of the real program against a well-kept server: what is asked for, and what comes of it.
+// Whole runs of the real program against a correct server: what it asks for, and how the runs end.
 
 #include <gmock/gmock.h>
 

@@ -24,7 +24,7 @@ protected:
         writeFile(scenario.release.manifest, renderManifest(manifest));
     }
 
-    /// Runs from the complete package and expects a code with nothing changed in the installation.
+    /// Runs an update from the complete package, and expects this code and an unchanged installation.
     void expectRefused(int code) {
         expectRefused(command(Source::completePackage), code);
     }
@@ -129,7 +129,7 @@ TEST_F(ExitCodeTest, AWorkFolderThatCannotBeRemovedGives14) {
 }
 
 TEST_F(ExitCodeTest, AStagingFolderThatCannotBeEmptiedForTheCompletePackageGives14) {
-    // The last object was never published, so that the incremental way ends when all but it is staged.
+    // The last object was never published, so that the incremental update fails when all other files are staged.
     const TreeSnapshot before = scenario.takeInstallationSnapshot();
     const std::string last = sampleRelease42().rbegin()->first;
     ReleaseFiles files = sampleRelease42();

@@ -19,7 +19,7 @@ fs::path objectOf(const PublishedRelease& release, const std::string& content) {
     return release.folder / ("KVN-file-" + sha256(content) + ".bin");
 }
 
-/// One reason for which the incremental way ends, prepared in a scenario.
+/// One reason for an incremental update to fail, prepared in a scenario.
 struct Cause {
     const char* name;
     std::function<void(Scenario&)> prepare;
@@ -44,7 +44,7 @@ void replaceInventoryText(Scenario& scenario, const std::string& from, const std
     offerInventory(scenario, text);
 }
 
-/// A release whose own list says something else than its inventory.
+/// Offers a release whose managed-file list differs from its inventory.
 void offerList(Scenario& scenario, const std::function<void(ReleaseFiles& listed)>& change) {
     ReleaseFiles listed = sampleRelease42();
     change(listed);
@@ -163,7 +163,7 @@ INSTANTIATE_TEST_SUITE_P(When, FallbackCauseTest, testing::ValuesIn(kCauses),
                          [](const testing::TestParamInfo<Cause>& cause) { return std::string(cause.param.name); });
 
 TEST_F(FallbackTest, ChangesAsLargeAsThePackageAreNotWorthFetchingOneByOne) {
-    // Zeros, which shrink to nothing in the package, and then bytes behind the package's end until both sizes agree.
+    // Zeros shrink to almost nothing in the package. More bytes after the package's end then make both sizes equal.
     ReleaseFiles files = sampleRelease42();
     files["data/textures/stone.pak"] = {std::string(1'000'000, '\0')};
     files = withReleaseMetadata(files, 42);
@@ -189,7 +189,7 @@ TEST_F(FallbackTest, ChangesOneByteSmallerThanThePackageAreFetched) {
 }
 
 TEST_F(FallbackTest, AnInstalledFileThatVanishesBeforeItIsReusedComesFromThePackage) {
-    // A file that is staged among the last, taken away when the first ones are staged.
+    // This file is staged among the last. It is removed when the first ones are staged.
     const fs::path reused = scenario.installation / "data" / "textures" / "wood.pak";
     FolderWatch watch;
     watch.add(scenario.installation, IN_CREATE);

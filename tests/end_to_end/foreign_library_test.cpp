@@ -1,5 +1,5 @@
-// DLLs with the names of the system's in the game's folder, as mod loaders put them there, and in the folder that the
-// program is started in: none of them is ever loaded.
+// DLLs with the names of the system's DLLs lie in the game's folder, where mod loaders put them, and in the folder that
+// the program is started in. None of them is ever loaded.
 
 #include <gmock/gmock.h>
 
@@ -16,9 +16,9 @@ namespace {
 namespace fs = std::filesystem;
 using testing::IsEmpty;
 
-/// What the program itself loads when it first needs it, what the system's network, cryptography and window code loads,
-/// and favourites of mod loaders. Not those that every program with a window has loaded when it begins: on Windows
-/// those come from the system wherever it looks, and Wine has no such list.
+/// DLLs that the program loads on first use, that the system's network, cryptography and window code loads, and that
+/// mod loaders like to replace. DLLs that every program with a window loads at its start are left out: Windows always
+/// takes those from the system, and Wine has no list of them.
 constexpr std::array kPlanted = {"winhttp",  "bcrypt",   "comctl32", "webio",   "mswsock", "dnsapi",
                                  "iphlpapi", "schannel", "secur32",  "ncrypt",  "rsaenh",  "cryptnet",
                                  "dbghelp",  "dinput8",  "d3d9",     "d3d11",   "dxgi",    "bcryptprimitives",
@@ -28,7 +28,7 @@ class ForeignLibraryTest : public EndToEndTest {
 protected:
     ForeignLibraryTest() {
         fs::create_directories(elsewhere_);
-        // Of most names Wine prefers its own DLL, wherever another one lies; of these two it takes the first that it
+        // For most names Wine prefers its own DLL, wherever another one lies. For these two it takes the first that it
         // finds, as Windows does.
         useEnvironment({"WINEDLLOVERRIDES=mscoree=d;mshtml=d;winemenubuilder.exe=d;winhttp=n,b;comctl32=n,b"});
     }

@@ -1,5 +1,5 @@
-// The disk of the installation is full at one step after the other. Whatever step that is, the previous release stays
-// as it was, and with enough space the next run succeeds.
+// The installation's disk is full at one step after another. At every step the previous release stays as it was, and
+// the next run with enough space succeeds.
 
 #include <gmock/gmock.h>
 
@@ -16,7 +16,7 @@ constexpr const char* kNotWritable =
 constexpr const char* kNotCopied = "Unable to stage the local update package.";
 constexpr const char* kNotUnpacked = "The Windows archive tool rejected the update package.";
 
-// An incremental update that cannot be staged is followed by the attempt to take the complete package.
+// After an incremental update that cannot be staged, the updater tries the complete package.
 TEST_F(FullDiskTest, OutOfSpaceInAnIncrementalUpdate) {
     EXPECT_THAT(outcomesWithBytes(Source::incremental, 100'000),
                 ElementsAre(Pair(0, ""), Pair(16, kNotCopied), Pair(22, kNotUnpacked)));
@@ -29,7 +29,7 @@ TEST_F(FullDiskTest, OutOfSpaceInAnUpdateFromTheCompletePackage) {
     expectRelease42();
 }
 
-// Files move without taking space, but the folders that they move to are new.
+// Moving files takes no space, but the folders that they move to are new.
 class NoMoreFilesTest : public FullDiskTest {
 protected:
     NoMoreFilesTest() : FullDiskTest(smallUpdate()) {}

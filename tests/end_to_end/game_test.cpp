@@ -11,7 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The updater and the game: waiting for its end, and starting it again.
+/// How the updater waits for the game's end and starts the game again.
 class GameTest : public EndToEndTest {
 protected:
     UpdaterCommand relaunching(Source source) const {
@@ -20,7 +20,7 @@ protected:
         return command;
     }
 
-    /// What the game says about its start; waits until it has said so.
+    /// Waits for the game's report about its start, and returns it.
     std::string gameReport() const {
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
         while (!fs::exists(scenario.gameReport)) {
@@ -30,7 +30,7 @@ protected:
         return readFile(scenario.gameReport);
     }
 
-    /// The last thing that an updater does is to clear its work folder.
+    /// Waits until the updater has cleared its work folder, which is the last thing that it does.
     bool waitUntilUpdaterIsDone() const {
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
         while (fs::exists(scenario.workFolder / "staging")) {
@@ -48,7 +48,7 @@ protected:
         return report.append("inherited pipes=0\n");
     }
 
-    /// A release whose game the platform cannot start.
+    /// Offers a release whose game the platform cannot start.
     void offerABrokenGame(const ReleaseFiles& more = {}) {
         broken_ = sampleRelease42();
         broken_["Vorthmere.exe"] = {"no program"};
@@ -93,7 +93,7 @@ TEST_F(GameTest, WhenItCannotBeStartedThePreviousReleaseComesBack) {
 }
 
 TEST_F(GameTest, WhenItCannotBeStartedAndAnOldFileWasMissingTheNewReleaseStays) {
-    // Putting the previous release back takes every file of its list, and this one is in no backup.
+    // The rollback needs every file of the previous release's list, and this one is not in the backup.
     offerABrokenGame();
     fs::remove(scenario.installation / "data" / "old" / "legacy.pak");
     EXPECT_EQ(runUpdater(relaunching(Source::incremental)), 28);

@@ -10,7 +10,7 @@ namespace {
 namespace fs = std::filesystem;
 using Kind = PackageEntry::Kind;
 
-/// What is wrong with a package, and the code with which it is refused.
+/// What is wrong with a package, and the exit code of its refusal.
 struct Hostile {
     const char* name;
     std::vector<PackageEntry> entries;  ///< in addition to all of the sample release
@@ -32,7 +32,7 @@ const Hostile kHostile[] = {
     {"NamesADriveRelative", {{"C:escaped.txt", "x"}}},
     {"NamesAStream", {{"Readme.txt:escaped", "x"}}},
     {"NamesAShare", {{"//server/share/escaped.txt", "x"}}},
-    // The archive tool reads a backslash as a slash, so this is one more file and not a strange name.
+    // The archive tool reads a backslash as a slash, so this is one more file and not an unsafe name.
     {"HoldsABackslash", {{"data\\escaped.txt", "x"}}, 24},
     {"NamesADevice", {{"data/NUL", "x"}}},
     {"NamesADeviceWithAnExtension", {{"data/com1.txt", "x"}}},
@@ -55,7 +55,7 @@ const Hostile kHostile[] = {
 
 class HostilePackageTest : public EndToEndTest {
 protected:
-    /// Offers whatever lies at the package's place.
+    /// Offers whatever file lies at the package's path.
     void offerPackage() {
         scenario.release = publishPackage(scenario.release.folder, sampleRelease42(), 42);
     }
@@ -134,8 +134,8 @@ TEST_F(HostilePackageTest, AnEmptyArchiveIsRefused) {
     expectRefused(21);
 }
 
-// The archive tool makes symbolic links where the platform lets it: Windows for some users, Wine never and without
-// saying so. Where it does, the link is found in the unpacked tree.
+// The archive tool makes symbolic links where the platform allows it: on Windows for some users, under Wine never, and
+// then without an error. A link that it makes is found in the unpacked tree.
 TEST_F(HostilePackageTest, ASymbolicLinkNeverArrives) {
     std::vector<PackageEntry> entries = packageEntries(sampleRelease42());
     entries.push_back({"data/link", "../../../saves", Kind::symbolicLink});

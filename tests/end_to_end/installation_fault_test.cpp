@@ -1,5 +1,5 @@
 // Every single step of the installation fails once. The faults are prepared while the updater waits for the game, that
-// is, behind the last check of the new release and before the first file moves.
+// is, after the last check of the new release and before the first file moves.
 
 #include <functional>
 #include <set>
@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 constexpr int kInstallationFailed = 27;
 
-/// The folders in which a release has files, the installation itself left out.
+/// The folders in which a release has files, without the installation folder itself.
 std::set<std::string> foldersOf(const ReleaseFiles& files) {
     std::set<std::string> folders;
     for (const auto& [path, file] : files)
@@ -25,8 +25,8 @@ std::set<std::string> foldersOf(const ReleaseFiles& files) {
 
 class ForwardFaultTest : public InstallationFaultTest {
 protected:
-    /// Runs the updater up to the point where it would begin to install, prepares a fault, and expects that the run
-    /// fails and that everything is where it was before.
+    /// Runs the updater until it is about to install, prepares a fault, and expects that the run fails and that
+    /// everything is where it was before.
     void expectRestoredAfter(const std::function<void()>& prepare) {
         const TreeSnapshot before = scenario.takeInstallationSnapshot();
         EXPECT_EQ(runUpdater(command(Source::incremental), prepare), kInstallationFailed);
@@ -34,7 +34,7 @@ protected:
         EXPECT_EQ(filesIn("backup"), std::set<std::string>());
     }
 
-    /// The same for a fault that changes the installation: everything is where it was when the fault was there.
+    /// The same for a fault that changes the installation: everything must be where it was after that change.
     void expectRestoredWith(const std::function<void()>& change) {
         TreeSnapshot before;
         EXPECT_EQ(runUpdater(command(Source::incremental),
@@ -91,7 +91,7 @@ TEST_F(ForwardFaultTest, AFileCanBeInThePlaceOfEveryFolder) {
         SCOPED_TRACE(path);
         const fs::path folder = scenario.installation / path;
         std::optional<MovedAside> moved;
-        // A player's files in the folder are out of the way with it.
+        // The player's files in the folder move aside with it.
         expectRestoredWith([&] {
             if (fs::exists(folder))
                 moved.emplace(folder, aside);

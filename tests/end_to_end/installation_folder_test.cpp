@@ -81,7 +81,7 @@ TEST_F(ForeignScriptFolderTest, IsUpdatedIncrementally) {
     expectRelease42();
 }
 
-// The archive tool knows the names of the system's code page only.
+// The archive tool can only handle names in the system's code page.
 TEST_F(ForeignScriptFolderTest, IsLeftAloneWhenTheArchiveToolCannotNameIt) {
     const TreeSnapshot before = scenario.takeInstallationSnapshot();
     EXPECT_EQ(runUpdater(Source::completePackage), 21);

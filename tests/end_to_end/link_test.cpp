@@ -10,8 +10,8 @@ namespace {
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-/// Links to folders with content outside the installation, in every place where the updater works. The base of the
-/// tests sees whether that content survives. Under Wine a link can be told from a folder, but not be removed.
+/// Links in every place where the updater works, which lead to content outside the installation. EndToEndTest checks
+/// that this content survives. Under Wine a link can be told from a folder, but cannot be removed.
 class LinkTest : public EndToEndTest {
 protected:
     LinkTest() {
@@ -19,7 +19,7 @@ protected:
         writeFile(outside / "wood.pak", "outside");
     }
 
-    /// Lets the updater stage its first file and does something in the staging folder then.
+    /// Lets the updater stage its first file, and then calls `disturb` with the staging folder.
     int runUpdaterAndDisturbStaging(const std::function<void(const fs::path& staging)>& disturb) {
         FolderWatch watch;
         watch.add(scenario.installation, IN_CREATE);

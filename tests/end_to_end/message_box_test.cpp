@@ -26,7 +26,7 @@ void PrintTo(const Rejection& rejection, std::ostream* out) {
 
 class MessageBoxTest : public WindowTest, public testing::WithParamInterface<Rejection> {
 protected:
-    /// Everything that the probe tells about a run with this command line.
+    /// Everything that the probe prints about a run with this command line.
     Words runToItsEnd(const Words& words) {
         ChildProcess probe = startThroughProbe("message-box", words, traced());
         Words lines;
@@ -67,7 +67,7 @@ std::vector<Rejection> faultsBehindApply() {
          "Local update testing requires both a manifest file and a package file."},
         {"InventoryWithoutManifest", validAnd({"--inventory-file", "i", "--object-directory", "o"}),
          "Local incremental testing requires a manifest, package, inventory, and object directory."},
-        // The flag counts from where it stands.
+        // The flag counts only for faults after it.
         {"FlagBehindTheFault", {"--apply", "stray", "value", "--test-no-ui"}, "The updater command line is invalid."},
     };
 }

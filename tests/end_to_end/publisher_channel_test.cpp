@@ -1,4 +1,4 @@
-// What kvn-release makes of a channel that is not as it should be.
+// What kvn-release does with a channel that is not in order.
 
 #include <gmock/gmock.h>
 

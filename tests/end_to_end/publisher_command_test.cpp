@@ -1,4 +1,4 @@
-// kvn-release as a person meets it on the command line.
+// kvn-release as a person uses it on the command line.
 
 #include <gmock/gmock.h>
 
@@ -71,7 +71,7 @@ TEST_F(PublisherCommandTest, SummaryTellsWhatPlayersWillFetch) {
                                   HasSubstr("distinct objects: 4"), HasSubstr("new objects:      2"),
                                   HasSubstr("complete package: "),
                                   HasSubstr("from release 41: an updater fetches 58 bytes as changed files")));
-    // Not a terminal: lines, and nothing that draws over itself.
+    // The output is no terminal, so it has only lines, and nothing that draws over itself.
     EXPECT_THAT(end.output, testing::Not(HasSubstr("\r")));
 }
 

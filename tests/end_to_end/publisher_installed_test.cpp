@@ -1,4 +1,4 @@
-// What "cmake --install" lays out beside the tool: the manual page and the completion say what the tool can do.
+// The manual page and the completion, which "cmake --install" puts beside the tool, name all that the tool can do.
 
 #include <gmock/gmock.h>
 

@@ -33,7 +33,7 @@ protected:
         return {exitCode, readFile(options.outputFile)};
     }
 
-    /// Takes the tool long enough to be met at work.
+    /// Keeps the tool busy long enough for a test to interrupt it.
     void makeLargeGame() const {
         constexpr std::size_t kBytes = 96'000'000;
         std::string content;

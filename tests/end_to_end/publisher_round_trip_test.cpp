@@ -121,7 +121,7 @@ TEST_F(PublisherRoundTripTest, PlanTellsWhatTheUpdaterThenDoes) {
     EXPECT_THAT(planned, testing::ContainsRegex("fetched: .*[ (]" + withSeparators(bytes) + " bytes"));
 }
 
-/// A game that changes from release to release in ways that are drawn.
+/// A game that changes at random from release to release, but in the same way in every run.
 class DrawnGame {
 public:
     explicit DrawnGame(fs::path folder) : folder_(std::move(folder)) {}
@@ -132,7 +132,7 @@ public:
             changeOne();
     }
 
-    /// Makes a folder of a file.
+    /// Writes a file whose path the test later gives to a folder.
     ///
     /// @return the file's path
     std::string makeAFolderOfAFile() {
@@ -177,7 +177,7 @@ TEST_F(PublisherRoundTripTest, DrawnReleasesAreInstalledOneAfterTheOtherWithSome
         drawn.change();
         publish(release);
         if (release % 5 == 0) {
-            // What was a file becomes a folder, which players could not install.
+            // A file becomes a folder, which players could not install.
             const std::string path = drawn.makeAFolderOfAFile();
             publish(++release);
             fs::remove(game_ / path);
@@ -196,8 +196,8 @@ TEST_F(PublisherRoundTripTest, DrawnReleasesAreInstalledOneAfterTheOtherWithSome
     EXPECT_GE(installed, 9);
 }
 
-/// A channel in which the changed bytes and the package differ by exactly so many bytes. The package of one file that
-/// deflates to next to nothing hardly grows with it.
+/// A channel in which the changed files have exactly that many bytes more than the package. A file that deflates to
+/// almost nothing adds to the changed bytes, but hardly to the package.
 class PublisherDecisionTest : public PublisherRoundTripTest, public testing::WithParamInterface<int> {
 protected:
     void publishWithChangedBytesAbovePackage(std::int64_t wanted) {

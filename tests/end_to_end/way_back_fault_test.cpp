@@ -1,5 +1,5 @@
-// The new game cannot be started, and every single step of the way back to the previous release fails once. The updater
-// is stopped between the two installations and the fault prepared then.
+// The new game cannot be started, and every single step of the rollback to the previous release fails once. The test
+// stops the updater between the two installations and prepares the fault.
 
 #include <functional>
 #include <iterator>
@@ -19,8 +19,8 @@ constexpr Milliseconds kLimit{120'000};
 
 class WayBackFaultTest : public InstallationFaultTest {
 protected:
-    /// Expects that the way back fails behind a fault and leaves the new release whole. The moment in between is short:
-    /// a run in which it was missed is repeated.
+    /// Expects that the rollback fails after a fault and leaves the new release whole. The moment between the
+    /// installations is short, so a run that missed it is repeated.
     ///
     /// @param prepare          makes the fault
     /// @param differences      what the fault itself changes in the new release
@@ -52,7 +52,7 @@ private:
         return command;
     }
 
-    /// True when the updater stands still, the new release is installed and nothing of it has moved back.
+    /// Stops the updater. True when the new release is installed then and nothing of it has moved back.
     bool stopBetweenTheInstallations(ChildProcess& updater) {
         FolderWatch watch;
         watch.add(scenario.installation, IN_MOVED_TO);
@@ -63,7 +63,7 @@ private:
         return event && scenario.differencesFrom(scenario.offered).empty();
     }
 
-    /// The updater may stand still while it holds the very file that is to be locked, the game that it tries to start.
+    /// The stopped updater may hold the file that the test is to lock: the game that it tries to start.
     static bool succeeds(const std::function<void()>& prepare) {
         try {
             prepare();
@@ -104,8 +104,8 @@ TEST_F(WayBackFaultTest, AFileCanBeInThePlaceOfADroppedFolder) {
     fs::remove(folder);
 }
 
-// What the way back has moved in when it fails is removed again, and that is the previous release: what stood before
-// the fault in its list is gone afterwards.
+// A rollback that fails removes the previous release's files that it has already moved back. So the files before the
+// fault in the list are gone afterwards.
 TEST_F(WayBackFaultTest, EveryFileOfTheBackupCanVanishAmongReadOnlyFiles) {
     for (auto missing = oldPaths.begin(); missing != oldPaths.end(); ++missing) {
         SCOPED_TRACE(*missing);

@@ -19,7 +19,7 @@ constexpr Colour kText{220, 232, 242};
 constexpr Colour kBar{31, 209, 219};
 constexpr Colour kBarBackground{18, 32, 52};
 
-/// A picture of the window's client area, taken by the display's own means.
+/// A picture of the window's client area, taken from the display.
 class Picture {
 public:
     explicit Picture(const std::filesystem::path& ppm) {
@@ -57,7 +57,7 @@ private:
     std::string bytes_;
 };
 
-/// Has a display for itself, so that no other window covers the one that is looked at.
+/// Has its own display, so that no other window covers the one under test.
 class WindowColourTest : public WindowTest {
 protected:
     void SetUp() override {
@@ -81,7 +81,7 @@ protected:
         return Picture(file);
     }
 
-    /// Pictures are taken until one is as wanted: the window paints itself after it has answered.
+    /// Takes pictures until one is as wanted, because the window paints itself after it has answered.
     [[nodiscard]] Picture takePictureWhen(UpdaterWindow& window, const std::function<bool(const Picture&)>& wanted) {
         const ScreenArea area = window.clientArea();
         for (int attempt = 0; attempt < 50; ++attempt) {
@@ -121,7 +121,7 @@ TEST_F(WindowColourTest, WorkingWindowHasItsColours) {
 }
 
 TEST_F(WindowColourTest, DetailTextLeavesTheButtonWhole) {
-    // A window on a display of its own may lose the focus, which its picture does not depend on.
+    // A window on its own display may lose the focus, but its picture does not depend on that.
     UpdaterWindow window = openWindow(failingCommand());
     ASSERT_TRUE(window.waitUntil([](const WindowContent& content) { return content.buttonVisible; }).buttonVisible);
     const Picture picture =

@@ -11,13 +11,13 @@ namespace vorthmere::end_to_end {
 namespace {
 
 constexpr std::size_t kLargeFile = std::size_t{40} * 1024 * 1024;
-// Some forty megabytes come in thousands of pieces, and only what looks different is posted: each file, each percent.
+// Forty megabytes arrive in thousands of pieces, but only steps that look new are posted: each file, each percent.
 constexpr long kFewestSteps = 100;
 constexpr long kMostSteps = 200;
 constexpr long kMedianLimit = 100'000;     // microseconds
 constexpr long kSlowestLimit = 2'500'000;  // microseconds; at 5 s the system calls a window unresponsive
 
-// In the package it must not become so small that the package is fetched instead.
+// The content must not shrink so much in the package that the updater fetches the package instead.
 std::string contentThatDoesNotShrink() {
     std::minstd_rand random(1);
     std::string content(kLargeFile, '\0');

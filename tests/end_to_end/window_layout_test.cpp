@@ -9,8 +9,8 @@ using testing::ElementsAre;
 
 class WindowLayoutTest : public WindowTest {};
 
-// Visible is 0x10000000 in a style, and the system adds clipping of siblings to the window's own (0x04000000) and a
-// raised edge to its extended one (0x100); the bar gives itself a sunken edge (0x20000).
+// In a style, 0x10000000 means visible. The system adds clipping of siblings (0x04000000) to the window's style and a
+// raised edge (0x100) to its extended style. The bar gives itself a sunken edge (0x20000).
 TEST_F(WindowLayoutTest, WindowAndControlsAreWhereTheyBelong) {
     OpenGame game;
     UpdaterWindow window = openBusyWindow(game);

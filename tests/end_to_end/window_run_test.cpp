@@ -38,7 +38,7 @@ void addSuccess(Steps& steps, const std::string& detail) {
     steps.emplace_back("bar: 100");
 }
 
-/// One step for each file of release 42 that release 41 does not have the same.
+/// Adds one step for each file of release 42 that release 41 does not have with the same content.
 void addChangedFiles(Steps& steps) {
     std::vector<std::uint64_t> sizes;
     std::uint64_t all = 0;

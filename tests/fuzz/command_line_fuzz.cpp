@@ -14,7 +14,7 @@ struct Result {
     std::wstring error;
 };
 
-// The pointers lie in an array of exactly their number, so that the sanitizer sees a read behind it.
+// The array has no room for more pointers, so that the sanitizer sees a read past its end.
 Result parse(const std::vector<std::wstring>& argv) {
     std::vector<const wchar_t*> pointers;
     for (const std::wstring& argument : argv)
@@ -25,7 +25,7 @@ Result parse(const std::vector<std::wstring>& argv) {
         result.accepted =
             parseArguments(static_cast<int>(pointers.size()), pointers.data(), result.arguments, result.error);
     } catch (const std::filesystem::filesystem_error&) {
-        // Away from Windows, paths are made of bytes, and the library makes them of ASCII only.
+        // Outside Windows, paths consist of bytes, and the library converts only ASCII to them.
         result.convertible = false;
     }
     return result;
@@ -59,7 +59,7 @@ bool isDigits(const std::wstring& text) {
     return !text.empty() && text.find_first_not_of(L"0123456789") == std::wstring::npos;
 }
 
-// An accepted vector holds, behind the program and --apply, nothing but flags and pairs of a known option and a value.
+// After the program and --apply, an accepted vector holds only flags and pairs of a known option and a value.
 void requireEveryArgumentToCount(const std::vector<std::wstring>& argv, const Arguments& arguments,
                                  std::string_view input) {
     bool noRelaunch = false;
@@ -89,7 +89,7 @@ void requireEveryArgumentToCount(const std::vector<std::wstring>& argv, const Ar
     require(noRelaunch == arguments.noRelaunch && testNoUi == arguments.testNoUi, "flags arrive", input);
 }
 
-// One argument a line; a NUL cannot stand in an argument.
+// One argument a line. It ends at a NUL, which no argument can hold.
 std::vector<std::wstring> splitArguments(std::string_view input) {
     std::vector<std::wstring> argv;
     for (const std::string& line : splitLines(input)) {

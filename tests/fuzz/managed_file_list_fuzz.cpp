@@ -41,7 +41,7 @@ bool tryInput(std::string_view input) {
     std::vector<std::string> lines = splitLines(text);
     std::erase(lines, "");
     require(lines == paths, "the paths are the lines that are not blank, in their order", input);
-    // Another way of writing a very long list may be too long.
+    // A very long list may become too long when it is written in another way.
     if (text.size() > 100000) return true;
     requireSame(paths, joinLines(paths, "\n"), "an accepted list written again reads the same");
     requireSame(paths, joinLines(paths, "\r\n\r\n"), "the kind of line end and blank lines do not matter");

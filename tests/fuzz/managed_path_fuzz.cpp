@@ -9,8 +9,8 @@
 namespace vorthmere::update::fuzz {
 namespace {
 
-// What Windows opens when it is given this component: trailing dots and blanks are dropped, what follows a colon names
-// a stream.
+// The name that Windows opens for this component: it drops trailing dots and blanks, and takes the text after a colon
+// as the name of a stream.
 std::string asWindowsOpensIt(std::string component) {
     component = component.substr(0, component.find(':'));
     while (!component.empty() && (component.back() == '.' || component.back() == ' '))
@@ -18,7 +18,7 @@ std::string asWindowsOpensIt(std::string component) {
     return component;
 }
 
-// Windows finds the device behind "nul", "Nul.txt" and "NUL.tar.gz".
+// Windows opens the same device for "nul", "Nul.txt" and "NUL.tar.gz".
 bool namesADevice(std::string_view component) {
     static constexpr std::array devices = {"con",  "prn",  "aux",  "nul",  "com1", "com2", "com3", "com4",
                                            "com5", "com6", "com7", "com8", "com9", "lpt1", "lpt2", "lpt3",

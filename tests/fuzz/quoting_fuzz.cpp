@@ -4,10 +4,9 @@
 namespace vorthmere::update::fuzz {
 namespace {
 
-// Splits a command line as Windows documents it for everything behind the program's name: blanks and tabs separate
-// arguments outside quotes; 2n backslashes and a quote are n backslashes and the quote's effect, 2n+1 backslashes and a
-// quote are n backslashes and a literal quote; inside quotes, two quotes are one literal quote; all other backslashes
-// are literal.
+// Splits the arguments after the program's name as Windows documents it: blanks and tabs separate arguments outside
+// quotes; 2n backslashes and a quote are n backslashes and the quote's effect, 2n+1 backslashes and a quote are n
+// backslashes and a literal quote; inside quotes, two quotes are one literal quote; all other backslashes are literal.
 std::vector<std::wstring> splitCommandLine(const std::wstring& line) {
     std::vector<std::wstring> arguments;
     std::wstring argument;

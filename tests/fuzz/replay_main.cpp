@@ -1,5 +1,5 @@
-// Runs a fuzz target over the files of a folder, once each. A seed's name tells what must come of it: "valid..." is
-// accepted, "bad..." is refused. Any other file, such as one that a fuzzer found, only has to keep the properties.
+// Runs a fuzz target once on each file of a folder. A seed's name tells the expected result: "valid..." is accepted,
+// "bad..." is refused. Any other file, such as one that a fuzzer found, only has to keep the properties.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -18,7 +18,7 @@ std::string readAll(const std::filesystem::path& file) {
 
 bool replay(const std::filesystem::path& file) {
     const std::string content = readAll(file);
-    // A copy of exactly this size, so that the sanitizer sees a read behind its end.
+    // A copy of exactly this size, so that the sanitizer sees a read past its end.
     const std::unique_ptr<char[]> input(new char[content.size()]);
     content.copy(input.get(), content.size());
     const bool accepted = vorthmere::update::fuzz::tryInput({input.get(), content.size()});

@@ -18,7 +18,7 @@ testing::FileTree releaseFiles(unsigned release, const testing::FileTree& more) 
     testing::FileTree files = testing::sampleReleaseFiles(release);
     files.insert(more.begin(), more.end());
     const std::string mark = "release " + std::to_string(release);
-    // A program runs with other bytes at its end as well.
+    // A program also runs with extra bytes at its end.
     files["KVNUpdater.exe"] = testing::readFile(kitFolder() / L"KVNUpdater.exe") + mark;
     files["Vorthmere.exe"] = testing::readFile(kitFolder() / L"kvn_sample_game.exe") + mark;
     if (release == 41) files["data/dropped.pak"] = "only in release 41";

@@ -12,23 +12,23 @@ namespace vorthmere::kit {
 
 enum class Way { incremental, completePackage };
 
-/// Ends an update that did not come out as it should.
+/// Fails the current update unless a condition holds.
 ///
 /// @throws std::runtime_error with the text when `condition` is false
 void require(bool condition, const std::string& text);
 
-/// An installation of release 41 of a sample game and a release 42 in local files, in a temporary folder. The updater in
-/// it is the one that lies beside the kit.
+/// An installation of release 41 of a sample game, and release 42 in local files, in a temporary folder. The installed
+/// updater is a copy of the one beside the kit.
 class Game {
 public:
-    /// @param installationName of the folder below the temporary one
-    /// @param more             what release 42 has besides its other files
+    /// @param installationName name of the installation folder
+    /// @param more             more files of release 42
     explicit Game(const std::wstring& installationName = L"a game", const update::testing::FileTree& more = {});
 
     /// Starts the updater of the installation.
     [[nodiscard]] Program startUpdater(Way way, const std::wstring& moreArguments);
 
-    /// Runs it to its end, without a window and without starting the game.
+    /// Runs the updater to its end, without a window and without starting the game.
     ///
     /// @throws std::runtime_error when it ends with another code
     void update(Way way, DWORD expectedCode = 0, const std::wstring& moreArguments = {});

@@ -10,17 +10,17 @@
 
 namespace vorthmere::kit {
 
-/// A text for the console and the report: what is not ASCII becomes a question mark.
+/// A text for the console and the report. A character outside ASCII becomes a question mark.
 [[nodiscard]] std::string plainText(const std::wstring& text);
 
-/// The folder in which the kit lies.
+/// The folder of the kit.
 [[nodiscard]] std::filesystem::path kitFolder();
 
-/// A program that the kit started. It is ended with this object.
+/// A program that the kit started. The destructor ends it.
 class Program {
 public:
-    /// @param output   receives what the program prints; empty: nobody does
-    /// @param folder   the folder that it is started in; empty: the kit's own
+    /// @param output   the file for what the program prints; empty for none
+    /// @param folder   the program's current folder; empty for the kit's own
     /// @throws std::runtime_error when it does not start
     Program(const std::filesystem::path& program, const std::wstring& arguments,
             const std::filesystem::path& output = {}, const std::filesystem::path& folder = {});
@@ -43,7 +43,7 @@ private:
     DWORD id_ = 0;
 };
 
-/// Which Windows this is, what its file system is, and the settings that matter to the updater.
+/// Reports the version of Windows, the file system and the settings that matter to the updater.
 void describeMachine(Report& report, const std::filesystem::path& workFolder);
 
 }  // namespace vorthmere::kit

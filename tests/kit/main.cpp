@@ -1,5 +1,4 @@
-// Runs everything that can be run on a real Windows without rights and without a network, and writes down what came of
-// it.
+// Runs all tests that need neither special rights nor a network on a real Windows, and writes a report.
 //
 // Usage: kit.exe [--function-tests FILTER]      (which tests of functions, in GoogleTest's form; all when not given)
 #include <windows.h>
@@ -18,7 +17,7 @@ namespace {
 
 using namespace vorthmere;
 
-/// True when nobody else uses the console: it came with a double click and goes with this program.
+/// True when no other program uses the console: a double click opened it, and it closes with this program.
 bool ownsItsConsole() {
     DWORD processes[2] = {};
     return GetConsoleProcessList(processes, 2) == 1;

@@ -6,7 +6,7 @@
 
 namespace vorthmere::kit {
 
-/// What the kit finds, line by line on the console and in a file.
+/// Writes what the kit finds to the console and to a file, line by line.
 class Report {
 public:
     explicit Report(const std::filesystem::path& file) : file_(file, std::ios::binary | std::ios::trunc) {}
@@ -14,12 +14,12 @@ public:
     void heading(const std::string& text);
     void fact(const std::string& name, const std::string& value);
 
-    /// @param remark empty, or what has to be known about it
+    /// @param remark what a reader has to know about it; may be empty
     void passed(const std::string& name, const std::string& remark = {});
     void failed(const std::string& name, const std::string& why);
     void skipped(const std::string& name, const std::string& why);
 
-    /// Prints how many there were of each.
+    /// Prints how many passed, failed and were skipped.
     ///
     /// @return the kit's exit code: 0 when nothing failed
     int finish();

@@ -14,7 +14,7 @@ constexpr std::string_view kFailedMark = "[  FAILED  ] ";
 constexpr std::string_view kSkippedMark = "[  SKIPPED ] ";
 constexpr std::string_view kPassedMark = "[  PASSED  ] ";
 
-/// The name of a test in the line that tells its end; empty for other lines.
+/// The name of the test whose result a line gives; empty for other lines.
 std::string testIn(const std::string& line, std::string_view mark) {
     if (!line.starts_with(mark) || !line.ends_with(" ms)")) return {};
     return line.substr(mark.size(), line.rfind(" (") - mark.size());

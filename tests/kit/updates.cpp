@@ -21,7 +21,7 @@ namespace testing = update::testing;
 constexpr DWORD kRunLimitMs = 120000;
 constexpr Way kBothWays[] = {Way::incremental, Way::completePackage};
 
-/// What this machine cannot show.
+/// Thrown by an update that cannot run on this machine.
 struct Skipped : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
@@ -57,7 +57,7 @@ BOOL CALLBACK lookAtWindow(HWND window, LPARAM parameter) {
     return FALSE;
 }
 
-/// The progress window of a run, once it is there; null when the run ends before.
+/// Waits for the progress window of a run; null when the run ends first.
 HWND windowOf(const Program& updater) {
     WindowSearch search{updater.id(), nullptr};
     while (!search.found && !updater.hasEnded(5))
@@ -88,7 +88,6 @@ std::string failureStaysInItsWindow() {
     return {};
 }
 
-/// A game that runs until it is told to end.
 std::string waitsForTheGame() {
     Game game;
     const testing::NamedEvent end;
@@ -205,7 +204,7 @@ std::string longPath(Way way) {
     std::string path = "data/" + std::string(100, 'a') + "/" + std::string(100, 'b') + "/";
     path.resize(longestManagedPath, 'c');
     const fs::path sample = testing::TemporaryFolder().path();
-    // The number at the end of the name differs from folder to folder.
+    // The random number at the end of a temporary folder's name may have more or fewer digits than this one's.
     const std::wstring::size_type before = sample.native().size() + 2;
     Game game(std::wstring(longestFolder - before, L'g'), {{path, "deep"}});
     if (testing::runsUnderWine()) {

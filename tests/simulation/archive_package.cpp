@@ -8,7 +8,7 @@ namespace {
 constexpr std::string_view kMark = "PK simulated\n";
 constexpr std::string_view kKinds = "fdlj";
 
-/// The text up to a line's end, or nothing when the line was cut.
+/// Takes the text up to a line's end; nothing when the line was cut.
 std::optional<std::string_view> takeLine(std::string_view& rest) {
     const std::size_t end = rest.find('\n');
     if (end == std::string_view::npos) return std::nullopt;

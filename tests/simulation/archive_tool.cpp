@@ -34,7 +34,7 @@ std::optional<std::string> printable(std::string_view name) {
     return line;
 }
 
-/// An argument as it comes through the code page of the system: other letters become "?".
+/// An argument after the system's code page: letters that it lacks become "?".
 std::string throughCodePage(std::string_view argument) {
     std::string text;
     for (std::size_t i = 0; i < argument.size(); ++i) {
@@ -49,7 +49,8 @@ std::string throughCodePage(std::string_view argument) {
     return text;
 }
 
-/// The name under which an entry is unpacked: no drive, no leading separator, and "_" for what no name may hold.
+/// The name under which an entry is unpacked: no drive, no leading separator, and "_" for each character that no name
+/// may hold.
 std::string unpackedName(std::string_view name) {
     std::string clean = withSlashes(name);
     if (clean.size() >= 2 && clean[1] == ':') clean.erase(0, 2);
@@ -119,7 +120,7 @@ void ArchiveToolRun::finish(std::string& output) {
     stage_ = Stage::ended;
 }
 
-// The package is open until the end of the run.
+// The package stays open until the end of the run.
 void ArchiveToolRun::begin(FileSystem& files, std::string& output) {
     output.append(behaviour_.alsoPrints);
     for (std::size_t left = behaviour_.alsoPrintsBytes; left > 0; left -= std::min<std::size_t>(left, 64))
@@ -154,7 +155,7 @@ void ArchiveToolRun::list(std::string& output) {
     if (next_ == entries_.size()) finish(output);
 }
 
-// Symbolic links on the way are refused, junctions are followed.
+// Refuses symbolic links on the way and follows junctions.
 bool ArchiveToolRun::createFolders(FileSystem& files, const std::string& folder) {
     if (folder.size() <= folder_.size()) return true;
     if (!createFolders(files, folder.substr(0, folder.find_last_of('/')))) return false;
@@ -185,7 +186,7 @@ void ArchiveToolRun::createFile(FileSystem& files, const PackagedEntry& entry, c
     stage_ = Stage::fill;
 }
 
-// Names are taken to the letter: through "\\?\" dots at the end and device names are names like others.
+// Names are taken literally: with "\\?\", dots at the end and device names are ordinary names.
 void ArchiveToolRun::unpackNext(FileSystem& files, std::string& output) {
     if (next_ == entries_.size()) return finish(output);
     const PackagedEntry& entry = entries_[next_++];

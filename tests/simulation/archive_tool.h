@@ -14,7 +14,7 @@ namespace vorthmere::update::simulation {
 
 class FileSystem;
 
-/// One entry of a package of the model's own format.
+/// One entry of a package in the model's own format.
 struct PackagedEntry {
     enum class Kind { file, folder, fileLink, folderLink };
     std::string name = {};     ///< as the archive holds it, "/" separated; hostile ones too
@@ -35,13 +35,13 @@ struct PackagedEntry {
 struct ArchiveToolBehaviour {
     Error startError = error::none;
     std::string alsoPrints = {};                 ///< before its listing or its work, for instance a warning
-    std::size_t alsoPrintsBytes = 0;             ///< so many bytes more, in lines
+    std::size_t alsoPrintsBytes = 0;             ///< this many bytes more, in lines
     bool makesLinks = false;                     ///< it has the privilege
     bool neverEnds = false;                      ///< it waits for ever once its work is done
-    std::optional<std::uint32_t> exitCode = {};  ///< instead of the one that it would have
+    std::optional<std::uint32_t> exitCode = {};  ///< replaces the one that it would have
 };
 
-/// One run of the archive tool, in steps: between two of them other programs act, and it can be killed.
+/// One run of the archive tool, in steps. Between two steps other programs can act, and the tool can be killed.
 class ArchiveToolRun {
 public:
     /// @param commandLine as it was started: "-tf package" or "-xf package -C folder"

@@ -7,7 +7,7 @@ namespace {
 
 /// Backslashes are literal unless a quote follows: then two are one, and an odd one makes the quote literal.
 ///
-/// @return true when the quote behind them is literal
+/// @return true when the quote after them is literal
 bool takeBackslashes(std::string_view text, std::size_t& at, std::string& argument) {
     std::size_t count = 0;
     while (at < text.size() && text[at] == '\\') {

@@ -14,11 +14,11 @@ namespace vorthmere::update::simulation {
 using DigestValue = std::array<std::uint8_t, 32>;
 
 [[nodiscard]] DigestValue sha256Of(std::string_view bytes);
-/// 64 small hexadecimal digits.
+/// 64 lower-case hexadecimal digits.
 [[nodiscard]] std::string sha256TextOf(std::string_view bytes);
 
-/// The system's SHA-256. A digest's state lies in the memory that the caller gave, and closing one writes there: memory
-/// that is gone too early shows under a sanitizer.
+/// The system's SHA-256. A digest's state lies in the memory that the caller gave, and closing the digest writes there.
+/// So a sanitizer sees memory that was freed too early.
 class Digests {
 public:
     HandleId openProvider();
@@ -30,7 +30,7 @@ public:
     bool closeDigest(HandleId digest);
 
     [[nodiscard]] std::vector<std::string> openHandles() const;
-    /// Forgets them without touching their memory.
+    /// Forgets all handles without touching their memory.
     void closeAllHandles();
 
 private:

@@ -29,7 +29,7 @@ struct Entry {
     std::string linkTarget;
     Content content;              ///< null for a folder
     Content flushed;              ///< what the disk surely holds; null: nothing yet
-    Error refusal = error::none;  ///< what each opening of it is told, whoever asks
+    Error refusal = error::none;  ///< the error of each opening, whoever asks
     std::size_t volume = 0;
     std::size_t mappings = 0;  ///< views of it as data
     std::size_t images = 0;    ///< processes that run it
@@ -52,19 +52,19 @@ struct Volume {
     std::string finalName = {};  ///< what final paths begin with instead, for a subst letter
     EntryId root = kNoEntry;
     bool isPresent = true;
-    Error absentOpening = error::pathNotFound;  ///< what an opening is told while the volume is away
-    Error absentHandle = error::deviceGone;     ///< what an open handle is told meanwhile
-    Error finalNameError = error::none;         ///< what asking for a final name is told (a memory disk: 1)
+    Error absentOpening = error::pathNotFound;  ///< the error of an opening while the volume is away
+    Error absentHandle = error::deviceGone;     ///< the error of an open handle meanwhile
+    Error finalNameError = error::none;         ///< the error of asking for a final name (a memory disk: 1)
     std::uint64_t freeBytes = std::uint64_t{1} << 50;
     bool deletesAtOnce = true;        ///< a deleted file that is held loses its name at once (POSIX delete)
     bool refusesDeviceNames = false;  ///< a network share: 5
     bool isWriteProtected = false;    ///< 19
 };
 
-/// Entries and their names, without the rules of who may do what. Changes nothing but itself.
+/// Entries and their names, without the rules of who may do what.
 class Disk {
 public:
-    static constexpr std::uint64_t kEntryBytes = 1024;  ///< what a name costs of a volume's free bytes
+    static constexpr std::uint64_t kEntryBytes = 1024;  ///< the free bytes of a volume that a name takes
 
     std::size_t addVolume(Volume volume);
     [[nodiscard]] std::vector<Volume>& volumes() {
@@ -87,16 +87,16 @@ public:
     /// @param attributes decide whether it is a folder; a file begins empty
     EntryId create(EntryId folder, std::string_view name, std::uint32_t attributes);
 
-    /// Takes the entry's name away. The entry itself stays until forget().
+    /// Removes the entry's name. The entry itself stays until forget().
     void unlink(EntryId id);
 
     /// Gives the entry another name in another folder, or another spelling of its name.
     void rename(EntryId id, EntryId folder, std::string_view name);
 
-    /// Gives back the room of an entry without a name.
+    /// Frees the room of an entry without a name.
     void forget(EntryId id);
 
-    /// Nothing is changed when the volume has no room for it.
+    /// Changes nothing when the volume has no room for it.
     ///
     /// @return false without room
     bool replaceContent(EntryId id, Content content);

@@ -132,7 +132,7 @@ std::vector<std::string> FileSystem::unflushed() const {
     return paths;
 }
 
-// What was deleted but held is gone too: its name was on the disk, its deletion in the journal.
+// A file that was deleted but held is gone, too: its name was on the disk, but its deletion is in the journal.
 void FileSystem::losePower(const std::vector<Fate>& fates) {
     while (!files_.empty())
         (void)close(files_.back().id);
@@ -140,7 +140,7 @@ void FileSystem::losePower(const std::vector<Fate>& fates) {
     const std::vector<std::string> paths = unflushed();
     for (std::size_t n = 0; n < paths.size() && !fates.empty(); ++n) {
         const EntryId file = locate(paths[n], Links::keep).entry;
-        // A volume that was taken away meanwhile lost its power then.
+        // A volume that is away lost its power when it was taken away.
         if (file == kNoEntry) continue;
         const Entry& entry = disk.at(file);
         const Fate fate = fates[n % fates.size()];

@@ -79,7 +79,7 @@ Error FileSystem::moveFile(std::string_view from, std::string_view to) {
     return moveOnto(source.entry, target);
 }
 
-// The two are on one volume, so the rename is whole or not at all.
+// Both are on one volume, so the rename happens whole or not at all.
 Error FileSystem::moveOnto(EntryId source, const Place& target) {
     const Entry& moved = disk.at(source);
     if (disk.volumes()[moved.volume].isWriteProtected) return error::writeProtected;

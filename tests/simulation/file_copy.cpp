@@ -5,7 +5,7 @@
 namespace vorthmere::update::simulation {
 namespace {
 
-/// What a copy has of its source's attributes.
+/// The attributes that a copy takes from its source.
 constexpr std::uint32_t kCopied = 0x2127;
 
 Content halfThenZeros(const std::string& bytes) {
@@ -53,8 +53,8 @@ Error FileSystem::openCopyTarget(const Place& place, bool overwrite, EntryId sou
     return error::none;
 }
 
-// Windows removes a target that it could not fill, also one that was there before. Where a holder forbids that, it
-// stays without its bytes.
+// Windows removes a target that it could not fill, even one that was there before. Where a holder forbids that, the
+// target stays without its bytes.
 void FileSystem::abandonCopy(EntryId target) {
     if (openingError(target, access::remove, access::all) == error::none)
         remove(target);

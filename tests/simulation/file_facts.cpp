@@ -46,7 +46,7 @@ Error FileSystem::targetFacts(std::string_view path, Facts& facts) const {
     return error::none;
 }
 
-// The pattern that is asked for is two characters longer than the folder.
+// The search pattern is two characters longer than the folder's path.
 Error FileSystem::listFolder(std::string_view folder, std::vector<Listed>& entries) const {
     entries.clear();
     const Place place = locate(folder, Links::follow);

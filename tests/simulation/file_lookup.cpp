@@ -36,7 +36,7 @@ std::string FileSystem::pathBehindLink(EntryId link, std::string_view rest) cons
     return path;
 }
 
-// One way from a root until the path ends, a link leads elsewhere, or something is missing.
+// Walks from a root until the path ends, a link leads elsewhere, or something is missing.
 Error FileSystem::walk(const std::string& fullPath, std::size_t volumeLength, Links links, Place& place,
                        std::string& redirected) const {
     const std::string_view whole = fullPath;
@@ -69,7 +69,7 @@ Error FileSystem::walk(const std::string& fullPath, std::size_t volumeLength, Li
     return error::none;
 }
 
-// A device hides a file of its name; a share refuses the name, whatever is asked of it.
+// A device hides a file of its name; a share refuses the name in every call.
 void FileSystem::finishPlace(Place& place) const {
     place.isDevice = place.isDevice && place.folder != kNoEntry;
     if (place.isDevice) place.entry = kNoEntry;

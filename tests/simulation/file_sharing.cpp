@@ -4,7 +4,7 @@
 
 namespace vorthmere::update::simulation {
 
-// Two openings go together only if each one's access is what the other shares. Asking for attributes takes no part.
+// Two openings go together only if each shares the other's access. The rule does not apply to asking for attributes.
 Error FileSystem::openingError(EntryId entry, unsigned access, unsigned sharing) const {
     const Entry& opened = disk.at(entry);
     if (opened.isDeletePending) return error::accessDenied;
@@ -20,7 +20,7 @@ Error FileSystem::openingError(EntryId entry, unsigned access, unsigned sharing)
     return error::none;
 }
 
-// What stands against deleting an entry that could be opened for it.
+// What prevents the deletion of an entry that could be opened for it.
 Error FileSystem::removalError(EntryId entry) const {
     const Entry& removed = disk.at(entry);
     if (disk.volumes()[removed.volume].isWriteProtected) return error::writeProtected;
@@ -28,7 +28,7 @@ Error FileSystem::removalError(EntryId entry) const {
     return removed.children.empty() ? error::none : error::folderNotEmpty;
 }
 
-// What stands against emptying a file and writing it anew: CREATE_ALWAYS and CopyFileW ask for plain attributes.
+// What prevents emptying a file and writing it anew. CREATE_ALWAYS and CopyFileW also refuse hidden and system files.
 Error FileSystem::overwritingError(EntryId entry, unsigned sharing) const {
     const Entry& written = disk.at(entry);
     if (written.isFolder()) return error::accessDenied;
@@ -38,7 +38,7 @@ Error FileSystem::overwritingError(EntryId entry, unsigned sharing) const {
     return written.mappings > 0 ? error::userMappedFile : error::none;
 }
 
-// The target of a replacing rename. Any handle on it counts, whatever it shares: 5, not 32.
+// What prevents replacing a file by a rename. Any handle on it does, whatever it shares, and the error is 5, not 32.
 Error FileSystem::replacingError(EntryId from, EntryId to) const {
     const Entry& target = disk.at(to);
     if (target.isFolder() || target.isReadOnly() || target.isDeletePending) return error::accessDenied;
@@ -93,7 +93,7 @@ std::vector<OpenFile> FileSystem::openFilesOf(ProcessId process) const {
     return open;
 }
 
-// A name that is deleted while somebody holds the file goes at once, or with the last holder, as the volume does it.
+// The name of a deleted file that is held goes at once or with the last holder, depending on the volume.
 void FileSystem::remove(EntryId entry) {
     const bool isInUse = isHeld(entry);
     if (isInUse && !disk.volumes()[disk.at(entry).volume].deletesAtOnce) {

@@ -8,7 +8,7 @@ namespace {
 
 constexpr unsigned kNotToRemove = access::read | access::write;
 
-/// Puts bytes into a content that may be shared, in place when it is not.
+/// Puts bytes into a content: in place, or into a copy when the content is shared.
 Content withBytes(Content& content, std::size_t position, std::string_view bytes) {
     std::shared_ptr<std::string> own = content.use_count() == 1 ? std::const_pointer_cast<std::string>(content)
                                                                 : std::make_shared<std::string>(*content);
@@ -94,7 +94,7 @@ Error FileSystem::read(HandleId file, char* buffer, std::size_t size, std::size_
     return error::none;
 }
 
-// A full disk takes what fits and then tells.
+// A full disk takes what fits and then reports the error.
 Error FileSystem::write(HandleId file, std::string_view bytes) {
     OpenFile* open = findOpen(file);
     if (open == nullptr) return error::invalidHandle;

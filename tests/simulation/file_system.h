@@ -52,7 +52,7 @@ struct Facts {
     std::uint64_t size = 0;
 };
 
-/// One entry as a test looks at it, past all rules.
+/// One entry as a test sees it, without any rules.
 struct EntryView {
     std::string path;  ///< "C:/Games/Kelvane/data/a.pak", spelled as the names are kept
     std::uint32_t attributes = 0;
@@ -71,11 +71,11 @@ struct EntryView {
 /// How much of its work a call does before it fails or ends with its process.
 enum class Extent { none, part, whole };
 
-/// What becomes of a file's unflushed bytes when the power goes.
+/// What happens to a file's unflushed bytes when the power goes.
 enum class Fate { keep, zero, drop };
 
-/// Files and folders under the rules of Windows. Every call is made by one process, the caller: relative paths start in
-/// its current folder and what it opens is its own. Paths are UTF-8 and take both separators.
+/// Files and folders under the rules of Windows. One process makes all calls, the caller: relative paths start in its
+/// current folder, and it owns what it opens. Paths are UTF-8 with either separator.
 class FileSystem {
 public:
     FileSystemSettings settings;
@@ -103,7 +103,7 @@ public:
     Error flush(HandleId file);
     Error flushFile(std::string_view path);
     Error close(HandleId file);
-    /// What was written to a file last never reached its medium: its second half is gone.
+    /// Drops the second half of a file, as if its last bytes had never reached the disk.
     void loseHalf(HandleId file);
 
     // What other programs also do.
@@ -113,9 +113,9 @@ public:
     /// Maps a file as data. The mapping stays when the handle is closed.
     Error map(std::string_view path);
     void unmap(std::string_view path);
-    /// A link's own target is taken as written; a junction's and a folder link's place must be free.
+    /// The target is taken as written. A link to a folder may replace an empty folder; else the path must be free.
     Error createLink(std::string_view path, std::uint32_t reparseTag, std::string_view target, bool toFolder);
-    /// A process that runs this file. @return as CreateProcessW says it of the file
+    /// Records that a process runs this file. @return the error that CreateProcessW gives for the file
     Error beginImage(std::string_view path, EntryId& image);
     void endImage(EntryId image);
     Error setCurrentFolder(ProcessId process, std::string_view folder);
@@ -124,23 +124,23 @@ public:
     /// Closes all that a process holds, its current folder too.
     void closeAllOf(ProcessId process);
 
-    /// The open files of a process, current folder apart.
+    /// The open files of a process, without its current folder.
     [[nodiscard]] std::vector<OpenFile> openFilesOf(ProcessId process) const;
     [[nodiscard]] const OpenFile* openFile(HandleId file) const;
 
-    /// How many closings there were of what was not open.
+    /// How often something was closed that was not open.
     [[nodiscard]] std::size_t wrongClosings() const {
         return wrongClosings_;
     }
 
-    // Past all rules, for setting up and looking.
+    // Without any rules, for setting up and looking.
     /// Creates missing parents. An existing entry is replaced in place.
     void putFolder(std::string_view path, std::uint32_t attributes = 0);
     void putFile(std::string_view path, Content content, std::uint32_t attributes = attribute::archive);
     void putReparsePoint(std::string_view path, std::uint32_t reparseTag, std::string_view target, bool isFolder);
     void erase(std::string_view path);
     void refuse(std::string_view path, Error refusal);
-    /// kNoEntry when nothing is there; a link is itself.
+    /// kNoEntry when nothing is there; a link is not followed.
     [[nodiscard]] EntryId entryOf(std::string_view path) const;
     [[nodiscard]] std::optional<EntryView> find(std::string_view path) const;
     [[nodiscard]] std::vector<EntryView> entriesBelow(std::string_view folder) const;
@@ -148,11 +148,12 @@ public:
     [[nodiscard]] std::vector<EntryView> entries() const;
     [[nodiscard]] Volume& volumeOf(std::string_view path);
 
-    /// What was written until now survives a power loss.
+    /// Makes everything that was written until now survive a power loss.
     void flushAll();
     /// Paths of files with unflushed bytes, by name.
     [[nodiscard]] std::vector<std::string> unflushed() const;
-    /// Drops all handles and mappings; the n-th unflushed file meets fates[n % size], or keeps its bytes without any.
+    /// Drops all handles and mappings; the n-th unflushed file meets fates[n % size], or keeps its bytes when there are
+    /// no fates.
     void losePower(const std::vector<Fate>& fates);
 
 private:

@@ -88,9 +88,8 @@ struct Call {
 
 /// A way in which one call goes wrong.
 struct Fault {
-    /// Windows' number. With 0 the call says that it succeeded: `effect` then tells what is wrong with its answer
-    /// (part: fewer bytes, fewer entries; none: nothing was done or read). For queryStatus the status, for exitCodeOf
-    /// the code.
+    /// Windows' number. With 0 the call reports success, and `effect` tells what is wrong with its answer (part: fewer
+    /// bytes, fewer entries; none: nothing was done or read). For queryStatus the status, for exitCodeOf the code.
     std::uint32_t error = 0;
     bool always = false;           ///< from then on each call of the operation with the same subject
     Extent effect = Extent::none;  ///< what the call does all the same
@@ -100,7 +99,7 @@ struct Fault {
 
 [[nodiscard]] std::string describe(const Fault& fault);
 
-/// All faults that an operation can have by the rules of Windows, each once (`always` is false). Data, in faults.cpp.
+/// All faults that an operation can have by the rules of Windows, each once (`always` is false). See faults.cpp.
 [[nodiscard]] std::span<const Fault> faultsOf(Operation operation);
 
 /// The program under test is killed. `effect` is what its call still did; part: it was in the middle of it.
@@ -118,8 +117,8 @@ using Action = std::variant<Fault, Kill, PowerLoss, Intrusion>;
 
 [[nodiscard]] std::string describe(const Action& action);
 
-/// When something happens: before the `number`-th (from 0) of the calls that match. Of a Fault, Kill or PowerLoss it is
-/// that call itself.
+/// When something happens: before the `number`-th (from 0) of the calls that match. A Fault, Kill or PowerLoss happens
+/// to that call itself.
 struct Trigger {
     std::optional<Operation> operation = {};  ///< none: any
     std::string subject = {};                 ///< empty: any; else without regard to case
@@ -135,12 +134,12 @@ using Plan = std::vector<PlannedAction>;
 
 [[nodiscard]] std::string describe(const PlannedAction& planned);
 
-/// Thrown out of the call at which the program was killed or the power went, and out of each call after it. Of the
-/// calls that cannot throw (closings) the next one throws; a program that makes no other call may end by itself, so ask
-/// Machine::isFrozen() too.
+/// Thrown out of the call at which the program was killed or the power went, and out of each call after it. Closings
+/// cannot throw; after one of them the next other call throws. A program that makes no other call may end by itself, so
+/// ask Machine::isFrozen(), too.
 struct Crashed {};
 
-/// Stands before and after every call of platform/: counts, writes down, and does what the plan says.
+/// Acts before and after every call of platform/: counts it, records it, and does what the plan says.
 class Gate {
 public:
     Gate(Machine& machine, Plan plan);
@@ -158,7 +157,7 @@ public:
     }
     [[nodiscard]] bool metAll() const;
 
-    /// What Windows told the other program at the n-th action of the plan; only for an Intrusion that was met.
+    /// The error of the other program at the n-th action of the plan; only for an Intrusion that was met.
     [[nodiscard]] Error answerTo(std::size_t n) const {
         return progress_[n].answer;
     }
@@ -167,7 +166,7 @@ public:
         return machine_;
     }
 
-    // For port.cpp.
+    // For passage.h.
 
     struct Verdict {
         const Fault* fault = nullptr;   ///< harms this call
@@ -176,13 +175,13 @@ public:
     };
     [[nodiscard]] Verdict before(Operation operation, std::string subject, std::string second);
 
-    /// Writes down the result, and ends the process when the verdict says so.
+    /// Records the result, and ends the process when the verdict says so.
     ///
     /// @return false when the process has ended
     bool after(const Verdict& verdict, std::uint32_t result);
 
 private:
-    /// The calls that a fault for good goes on to harm.
+    /// The calls that a lasting fault keeps harming.
     struct Lasting {
         bool isOn = false;
         Operation operation = Operation::lastErrorNumber;
@@ -203,7 +202,7 @@ private:
     std::vector<Call> calls_;
 };
 
-/// While it lives, the calls of platform/ in this program go through this gate. One at a time.
+/// While it lives, the calls of platform/ in this program go through this gate. Only one may live at a time.
 class Running {
 public:
     explicit Running(Gate& gate);

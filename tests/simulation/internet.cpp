@@ -12,7 +12,7 @@ namespace {
 constexpr std::uint16_t kHttpsPort = 443;
 constexpr std::uint16_t kHttpPort = 80;
 
-/// @return false for a port that is none
+/// @return false when the text is no port
 bool takePort(std::string_view text, std::uint16_t& port) {
     const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), port);
     return failure == std::errc{} && end == text.data() + text.size();
@@ -146,7 +146,7 @@ bool Internet::contentLength(HandleId request, std::uint32_t& length) {
     return true;
 }
 
-// Asked again before its bytes are read, the count is the same.
+// The count stays the same until its bytes are read.
 bool Internet::available(HandleId request, std::uint32_t& bytes) {
     bytes = 0;
     const Handle* handle = answered(request);

@@ -27,7 +27,7 @@ struct Answer {
     std::uint64_t waitMs = 0;  ///< until the answer comes
 };
 
-/// A request that was sent, for looking at.
+/// A request that was sent, for tests to look at.
 struct SentRequest {
     std::string address;
     std::vector<std::string> headers;

@@ -14,7 +14,7 @@
 
 namespace vorthmere::update::simulation {
 
-/// The editions of Windows and file systems that differ in what an update meets.
+/// The editions of Windows and the file systems that treat an update differently.
 enum class Profile {
     classicDelete,  ///< NTFS, Windows 10 1803 and 1809: a deleted file that is held keeps its name
     posixDelete,    ///< NTFS, Windows 10 1903 and newer, 11: its name goes at once
@@ -23,21 +23,21 @@ enum class Profile {
     devDrive,       ///< ReFS: classic deletion
 };
 
-/// A computer with Windows, in memory, the same on every platform and in every run. A copy is a snapshot: it costs some
-/// microseconds, as contents are shared, and the two have nothing else to do with each other.
+/// A computer with Windows, in memory, the same on every platform and in every run. A copy is an independent snapshot.
+/// It takes some microseconds, because contents are shared.
 ///
 /// One process is the caller: the program under test. It begins with beginCaller() and ends with endCaller(), or is
-/// killed. Everything else that happens is done by otherProgram, through act() or through the members.
+/// killed. otherProgram does everything else that happens, through act() or through the members.
 ///
 /// What is simpler than Windows:
-/// - no access rights: an entry refuses whoever asks (FileSystem::refuse), or nobody
+/// - no access rights: an entry refuses everybody (FileSystem::refuse) or nobody
 /// - no alternate streams (a colon in a name gives 123), hard links, short names, case-sensitive folders, compression
 /// - letters beyond Latin, Greek and Cyrillic are compared exactly
-/// - time stands still but for waiting; what a file's times would be is unknown
-/// - a write has either reached the disk or is lost, file by file; renames are never lost, as losing the last of them is
-///   losing the power earlier
+/// - time passes only while something waits; files have no times
+/// - a write has either reached the disk or is lost, file by file; renames are never lost, because losing the last of
+///   them equals losing the power earlier
 /// - a program that is ended is gone at once; a pipe takes any number of bytes
-/// - a lock never waits, a handle is never inherited but the pipe's write end, a process has no threads
+/// - a lock never waits, no handle is inherited except the pipe's write end, a process has no threads
 /// - a deleted name is listed until its last holder goes, sizes that are listed are never old
 /// - a folder as the source of a replacing rename may replace a file, as the kernel would allow
 class Machine {
@@ -50,7 +50,7 @@ public:
     Digests digests;
     ProcessId otherProgram = 0;
 
-    /// The processes that the program under test has been, the present one last.
+    /// The process of the program under test.
     ProcessId caller = 0;
 
     /// True after the caller was killed or the power went: what its destructors still do changes nothing.
@@ -66,7 +66,7 @@ public:
     /// The caller ends by itself. @return what it had not closed, in words; Windows closes it now
     std::vector<std::string> endCaller(std::uint32_t exitCode = 0);
 
-    /// The caller ends between two instructions; Windows closes what it holds, its children go on.
+    /// The caller ends between two instructions; Windows closes what it holds, and its children continue.
     void killCaller();
 
     /// All processes end, and unflushed bytes meet their fate. Names stay.
@@ -78,7 +78,7 @@ public:
     /// How often the caller closed what was not open, or used such a handle.
     std::size_t wrongHandles = 0;
 
-    /// What the caller's last failed call was told.
+    /// The error of the caller's last failed call.
     Error lastError = error::none;
 
 private:
@@ -111,7 +111,7 @@ struct Intrusion {
         bringVolumeBack,
         startProgram,    ///< `path`, in its own folder
         endPrograms,     ///< all that run `path`
-        letChildrenRun,  ///< archive tools that still run do `number` steps, or end with 0
+        letChildrenRun,  ///< archive tools that still run do `number` steps; 0: they run to their end
     };
     Kind kind = Kind::open;
     std::string path = {};
@@ -126,7 +126,7 @@ struct Intrusion {
 /// "another program opens C:/Games/Kelvane/a.pak, sharing nothing"
 [[nodiscard]] std::string describe(const Intrusion& intrusion);
 
-/// @return what Windows told the other program; 0 when it could
+/// @return Windows' error for the other program; 0 for success
 Error act(Machine& machine, const Intrusion& intrusion);
 
 }  // namespace vorthmere::update::simulation

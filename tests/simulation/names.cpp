@@ -13,7 +13,7 @@ constexpr char upperAscii(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-/// For each byte, whether no name may hold it.
+/// For each byte, true when no name may hold it.
 constexpr std::array<bool, 256> kForbidden = [] {
     std::array<bool, 256> forbidden{};
     for (std::size_t c = 0; c < 0x20; ++c)
@@ -23,7 +23,7 @@ constexpr std::array<bool, 256> kForbidden = [] {
     return forbidden;
 }();
 
-/// The letters of two bytes in UTF-8 that have a capital one: of Latin-1, Greek and Cyrillic.
+/// The capital letter of a letter with two bytes in UTF-8: Latin, Greek or Cyrillic.
 std::uint32_t upperLetter(std::uint32_t letter) {
     if (letter >= 0xE0 && letter <= 0xFE && letter != 0xF7) return letter - 0x20;
     if (letter >= 0x100 && letter <= 0x137) return letter & ~1U;
@@ -49,7 +49,7 @@ bool isSeparator(char c) {
     return c == '/' || c == '\\';
 }
 
-/// True for "C:/Games/a.pak", which is its own full path: the usual case, told apart in one look.
+/// True for a path like "C:/Games/a.pak", which is its own full path. This is the usual case and is found in one pass.
 bool isFoldedAlready(std::string_view path) {
     if (path.size() < 4 || path[1] != ':' || path[2] != '/') return false;
     char before = ':';
@@ -84,7 +84,7 @@ void dropLastComponent(std::string& path, std::size_t volumeLength) {
     if (slash != std::string::npos && slash >= volumeLength) path.resize(slash);
 }
 
-/// All trailing dots and blanks of the last component go; of an inner one only a single dot.
+/// Removes all trailing dots and blanks of the last component, but only a single dot of an inner one.
 std::string_view trimmed(std::string_view component, bool isLast) {
     if (isLast) return component.substr(0, component.find_last_not_of(". ") + 1);
     const bool endsInOneDot = component.size() > 1 && component.back() == '.' && component[component.size() - 2] != '.';

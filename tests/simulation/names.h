@@ -12,7 +12,7 @@ namespace vorthmere::update::simulation {
 /// A name as it is looked up: letters in upper case.
 [[nodiscard]] std::string keyOf(std::string_view name);
 
-/// The same, kept where it is made: names are looked up more often than anything else is done.
+/// The same without an allocation for usual names, because nothing is done more often than looking up names.
 class FoldedName {
 public:
     explicit FoldedName(std::string_view name);
@@ -50,8 +50,8 @@ private:
 struct FullPath {
     std::string text;
     std::size_t volumeLength = 0;  ///< of "C:" or "//server/share"
-    bool endsInSeparator = false;  ///< as it was asked for; the text has none, but a root's
-    bool isExtended = false;       ///< was asked for behind "\\?\": taken to the letter
+    bool endsInSeparator = false;  ///< as it was asked for; only a root's text keeps it
+    bool isExtended = false;       ///< was asked for with "\\?\", so it is taken literally
 };
 
 /// What GetFullPathNameW makes of a path.
@@ -59,7 +59,7 @@ struct FullPath {
 /// @param currentFolder absolute, "/" separated
 [[nodiscard]] FullPath fullPathOf(std::string_view path, std::string_view currentFolder);
 
-/// Cuts the first component off a path.
+/// Removes the first component of a path and returns it.
 [[nodiscard]] std::string_view takeComponent(std::string_view& rest);
 
 }  // namespace vorthmere::update::simulation

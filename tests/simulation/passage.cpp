@@ -16,7 +16,7 @@ std::string ofUtf8(const std::u8string& text) {
     return {reinterpret_cast<const char*>(text.data()), text.size()};
 }
 
-/// The library knows UTF-8 natively on all platforms but Windows.
+/// The library uses UTF-8 natively on all platforms except Windows.
 template <typename Native>
 std::string utf8Of(const std::filesystem::path& path, const Native& native) {
     if constexpr (std::is_same_v<Native, std::string>)
@@ -90,7 +90,7 @@ std::string systemTextOf(const std::filesystem::path& path) {
     return extended;
 }
 
-// Through a path, as the library converts those on every platform.
+// Converts through a path, because the library converts paths on every platform.
 std::string narrowOf(std::wstring_view text) {
     return ofUtf8(std::filesystem::path(text).u8string());
 }

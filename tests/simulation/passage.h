@@ -12,16 +12,16 @@
 
 namespace vorthmere::update::simulation {
 
-// The way of one call of platform/ through the gate of the machine that runs.
+// Leads the calls of platform/ through the gate of the machine that runs.
 
-/// The gate of the Running that lives. The program must not make calls without one.
+/// The gate of the Running object that lives. The program must not make calls without one.
 [[nodiscard]] Gate& currentGate();
 [[nodiscard]] bool isAnyRunning();
 
 /// UTF-8, "/" separated.
 [[nodiscard]] std::string textOf(const std::filesystem::path& path);
-/// The same for a call that takes the path for what it says: one with a name that Windows would alter in its plain form
-/// ("a.", "NUL .txt") gets the extended form.
+/// The same for a call that takes paths literally: a path with a name that Windows would alter in its plain form ("a.",
+/// "NUL .txt") gets the extended form.
 [[nodiscard]] std::string systemTextOf(const std::filesystem::path& path);
 [[nodiscard]] std::string narrowOf(std::wstring_view text);
 [[nodiscard]] std::wstring wideOf(std::string_view text);
@@ -41,9 +41,9 @@ namespace vorthmere::update::simulation {
 
 /// Makes one call.
 ///
-/// @param work    does as much of it as it is told: Error(Machine&, Extent)
-/// @param yielded what the call yields, when that is to stand in the log
-/// @return what the caller is to be told
+/// @param work    does as much of the call as the extent says: Error(Machine&, Extent)
+/// @param yielded what the call yields, when the log is to show it
+/// @return the error for the caller
 /// @throws Crashed, Hung
 template <typename Work>
 Error pass(Operation operation, std::string subject, std::string second, Work work,
@@ -87,8 +87,8 @@ void passClosing(Operation operation, std::string subject, Work work) noexcept {
     (void)gate.after(verdict, wasOpen ? error::none : error::invalidHandle);
 }
 
-/// Makes a call that opens a file: Error(Machine&, HandleId&). A file that was opened though the call is to fail is
-/// closed.
+/// Makes a call that opens a file: Error(Machine&, HandleId&). If the call has to fail after it opened the file, the
+/// file is closed.
 template <typename Handle, typename Work>
 Handle passOpening(Operation operation, const std::string& subject, std::error_code& failure, Work work) {
     HandleId file = 0;
@@ -97,7 +97,7 @@ Handle passOpening(Operation operation, const std::string& subject, std::error_c
     return Handle(toHandle(file));
 }
 
-/// What a file or pipe handle was opened for.
+/// The path that a file was opened by, or "a pipe".
 [[nodiscard]] std::string fileNameOf(void* file);
 
 }  // namespace vorthmere::update::simulation

@@ -1,4 +1,4 @@
-// Makes the functions of platform/ calls of the machine that runs, each through its gate.
+// Implements the functions of platform/ by calls of the machine that runs, each through its gate.
 #include <algorithm>
 #include <string>
 #include <utility>
@@ -129,7 +129,7 @@ std::error_code copyFile(const std::filesystem::path& from, const std::filesyste
         isHalf = extent == Extent::part && copy == error::none;
         return copy;
     });
-    // Windows takes away what it could not finish.
+    // Windows removes a copy that it could not finish.
     if (isHalf) (void)currentGate().machine().files.deleteFile(target);
     return toFailure(result);
 }

@@ -15,7 +15,7 @@ std::string nameOfHandle(void* handle) {
     return currentGate().machine().internet.nameOf(toId(handle));
 }
 
-/// What a call of the client was told.
+/// The error of a call of the client.
 Error told(Machine& machine, bool succeeded) {
     return succeeded ? error::none : machine.internet.lastError;
 }
@@ -102,7 +102,7 @@ bool receiveResponse(const InternetHandle& request) {
     });
 }
 
-// A fault below the error numbers is another status.
+// A fault with a number below the error numbers is another HTTP status.
 bool queryStatus(const InternetHandle& request, std::uint32_t& status) {
     const Error result = passWhole(
         Operation::queryStatus, nameOfHandle(request.get()), "",

@@ -67,13 +67,13 @@ std::error_code writeBytes(const FileHandle& file, const void* bytes, std::size_
         pass(Operation::writeBytes, simulation::fileNameOf(file.get()), std::to_string(size) + " bytes", write));
 }
 
-// Whatever it tells, the file is closed; what it could not store is lost.
 std::error_code flushFile(const std::filesystem::path& file) {
     const std::string text = systemTextOf(file);
     return toFailure(pass(Operation::flushFile, text, "",
                           [&text](Machine& machine, Extent) { return machine.files.flushFile(text); }));
 }
 
+// Closes the file even when it reports a failure; what could not be stored is lost.
 std::error_code closeFile(FileHandle file) {
     const std::string name = simulation::fileNameOf(file.get());
     const HandleId id = toId(file.release());

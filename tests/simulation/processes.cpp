@@ -198,7 +198,7 @@ bool Processes::isPipe(HandleId id) const {
     return pipeEnd(id) != nullptr;
 }
 
-/// Somebody who can write gets one step further. @return false when nobody ever will
+/// Lets a process that can write to the pipe take one step. @return false when none can
 bool Processes::helpWriterOf(FileSystem& files, std::size_t pipe) {
     for (Process& process : processes_) {
         if (process.pipe != pipe || !process.isRunning) continue;

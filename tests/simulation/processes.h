@@ -15,12 +15,12 @@
 
 namespace vorthmere::update::simulation {
 
-/// What begins every program's file; a file that begins otherwise is none (193).
+/// The beginning of every program's file; a file that begins otherwise is no program (193).
 inline constexpr std::string_view kProgramMark = "MZ";
 
-/// What every program but the archive tool does when it is started.
+/// What a started program does, except the archive tool.
 struct ProgramBehaviour {
-    Error startError = error::none;               ///< what CreateProcessW says of it
+    Error startError = error::none;               ///< the error of CreateProcessW
     std::optional<std::uint64_t> runsForMs = {};  ///< none: it runs until somebody ends it
     std::uint32_t exitCode = 0;
     std::vector<std::string> opens = {};  ///< files that it holds while it runs, sharing to read only
@@ -61,16 +61,17 @@ public:
     ArchiveToolBehaviour archiveTool;
     std::map<std::string, ProgramBehaviour, std::less<>>
         programs;  ///< by file name in small letters; others: the default
-    /// How many steps each running archive tool takes at each call of the caller, besides those that it is waited for.
+    /// How many steps each running archive tool takes at each call of the caller, besides the steps that it takes while
+    /// the caller waits for it.
     std::size_t stepsAlongside = 0;
 
-    /// @param files where it runs; every call is given the same
+    /// @param files the file system that it runs on, the same in every call
     Error start(FileSystem& files, std::string_view program, std::string_view commandLine,
                 std::string_view workingFolder, HandleId output, ProcessId& started);
-    /// Starts without a look at files or rules.
+    /// Starts a program without a look at files or rules.
     ProcessId put(FileSystem& files, std::string_view program, std::string_view currentFolder);
     void end(FileSystem& files, ProcessId process, std::uint32_t exitCode);
-    /// One step of each running archive tool.
+    /// Lets each running archive tool take this many steps.
     void step(FileSystem& files, std::size_t steps);
     /// Lets a process run until it ends. @return false when it never does
     bool runToItsEnd(FileSystem& files, ProcessId process);
@@ -87,7 +88,7 @@ public:
     Error readPipe(FileSystem& files, HandleId readEnd, char* buffer, std::size_t size, std::size_t& count);
     Error closePipe(HandleId end);
 
-    /// The program of a process that somebody has open.
+    /// The program of the process that the handle belongs to.
     [[nodiscard]] std::string nameOf(HandleId process) const;
     [[nodiscard]] const Process* find(ProcessId id) const;
     [[nodiscard]] std::vector<ProcessId> running() const;

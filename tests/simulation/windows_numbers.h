@@ -9,7 +9,7 @@ using Error = std::uint32_t;
 
 using ProcessId = std::uint32_t;
 
-/// What a program has of something open; 0 is none. Never used twice.
+/// What a program holds of something that is open; 0 is none. No number is used twice.
 using HandleId = std::uint32_t;
 
 /// The error numbers that the model itself gives.
@@ -65,7 +65,7 @@ inline constexpr std::uint32_t normal = 0x80;
 inline constexpr std::uint32_t reparsePoint = 0x400;
 }  // namespace attribute
 
-/// What a reparse point is.
+/// The kinds of reparse points.
 namespace tag {
 inline constexpr std::uint32_t none = 0;
 inline constexpr std::uint32_t junction = 0xA0000003;
@@ -73,7 +73,7 @@ inline constexpr std::uint32_t symbolicLink = 0xA000000C;
 inline constexpr std::uint32_t cloudFile = 0x9000001A;     ///< attribute without being a link
 inline constexpr std::uint32_t programAlias = 0x8000001B;  ///< cannot be opened: 1920
 
-/// Links lead elsewhere; other reparse points are what they stand for.
+/// Links lead elsewhere; other reparse points do not.
 [[nodiscard]] constexpr bool isLink(std::uint32_t reparseTag) {
     return (reparseTag & 0x20000000) != 0;
 }

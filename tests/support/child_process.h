@@ -11,16 +11,16 @@
 
 namespace vorthmere::update::testing {
 
-/// Longest that a test waits for something that is bound to happen.
+/// The longest that a test waits for something that must happen.
 inline constexpr DWORD kPatienceMs = 30000;
 
 /// The program of tests/unit/child.
 [[nodiscard]] std::filesystem::path childProgram();
 
-/// Its bytes: a game that can be launched.
+/// The bytes of that program, to be installed as a game that can be launched.
 [[nodiscard]] std::string childProgramBytes();
 
-/// A program that a test started; ended with the object.
+/// A program that a test started. The destructor ends it.
 class ChildProcess {
 public:
     /// @param arguments without blanks or quotes of their own
@@ -42,7 +42,7 @@ public:
 
     /// Waits for its end and returns its exit code.
     ///
-    /// @throws std::runtime_error when it goes on running
+    /// @throws std::runtime_error when it has not ended after kPatienceMs
     DWORD waitForEnd() const;
 
 private:
@@ -68,7 +68,7 @@ private:
     KernelHandle event_;
 };
 
-/// Waits until a file exists; returns whether it came.
+/// Waits up to kPatienceMs for a file to appear; returns whether it did.
 [[nodiscard]] bool waitForFile(const std::filesystem::path& file);
 
 /// Sets a variable of this process's environment for as long as the object lives.

@@ -39,8 +39,8 @@ std::wstring unixArgument(const std::filesystem::path& path) {
     return L" \"" + std::wstring(text.begin(), text.end()) + L"\"";
 }
 
-/// Runs one command of the Unix shell and waits for it: Wine gives no handle of a Unix program, so a file that the
-/// shell creates behind the command tells of its end.
+/// Runs one command of the Unix shell and waits for it. Wine gives no handle of a Unix program, so the shell creates a
+/// file after the command, and this waits for the file.
 void runUnixCommand(const std::wstring& command) {
     const TemporaryFolder folder;
     const std::filesystem::path done = folder / L"done";
@@ -92,7 +92,7 @@ Link::~Link() {
     try {
         runUnixCommand(L"rm -f" + unixArgument(link_));
     } catch (const std::runtime_error&) {
-        // It stays behind in the temporary folder.
+        // The link stays in the temporary folder.
     }
 }
 

@@ -4,11 +4,11 @@
 
 namespace vorthmere::update::testing {
 
-/// False where links to files need a privilege that this user lacks: on Windows outside of its developer mode.
+/// False where links to files need a privilege that this user lacks, as on Windows without developer mode.
 [[nodiscard]] bool canLinkFiles();
 
-/// A link to a folder, or to a file, for as long as the object lives. On Windows what leads to no file is a junction,
-/// which needs no privilege. Wine cannot make links itself, so there the Unix program does.
+/// A link to a folder or a file, for as long as the object lives. On Windows it is a junction, which needs no
+/// privilege, unless the target is a file. Wine cannot make links itself, so there the Unix command makes it.
 class Link {
 public:
     /// @param link   where the link is to be; the folder above it exists
@@ -29,7 +29,7 @@ public:
     /// @throws std::runtime_error when no link appears
     LinkedFolder(const std::filesystem::path& link, const std::filesystem::path& target);
 
-    /// True while the target's content is what it was.
+    /// True while the target's file is unchanged.
     [[nodiscard]] bool targetIsWhole() const;
 
 private:

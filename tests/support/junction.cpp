@@ -14,7 +14,7 @@
 namespace vorthmere::update::testing {
 namespace {
 
-/// What stands before the two names in the data of a junction.
+/// The head of a junction's data, before its two names.
 struct JunctionHead {
     DWORD tag = IO_REPARSE_TAG_MOUNT_POINT;
     WORD dataBytes = 0;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr const wchar_t* kReportName = L"launched.txt";
 
-/// The game gives the report its name while it still holds it, so the first attempts may fail.
+/// The report cannot be opened while the game renames it, so the first attempts may fail.
 std::string waitForReport(const std::filesystem::path& file) {
     for (const ULONGLONG end = GetTickCount64() + kPatienceMs; GetTickCount64() < end; Sleep(5))
         if (std::ifstream(file).good()) return readFile(file);
@@ -28,7 +28,7 @@ LaunchedGame::LaunchedGame(const std::filesystem::path& installationFolder) {
     process_.reset(OpenProcess(SYNCHRONIZE, FALSE, std::stoul(fact("process"))));
 }
 
-// A game that has already gone cannot be opened.
+// There is no handle of a game that had ended before it could be opened.
 LaunchedGame::~LaunchedGame() {
     if (process_) WaitForSingleObject(process_.get(), kPatienceMs);
 }

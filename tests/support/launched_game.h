@@ -10,7 +10,7 @@ namespace vorthmere::update::testing {
 /// The child program that the updater started as the game.
 class LaunchedGame {
 public:
-    /// Waits for the game's report and takes it away, so that a later start is told from this one.
+    /// Waits for the game's report and removes it, so that a later start is not mistaken for this one.
     ///
     /// @throws std::runtime_error when no game reports
     explicit LaunchedGame(const std::filesystem::path& installationFolder);
@@ -30,7 +30,7 @@ private:
     KernelHandle process_;
 };
 
-/// True when a game was started in the folder and its report not yet taken.
+/// True when a game was started in the folder and no LaunchedGame has removed its report.
 [[nodiscard]] bool gameWasLaunched(const std::filesystem::path& installationFolder);
 
 }  // namespace vorthmere::update::testing

@@ -11,17 +11,17 @@
 
 namespace vorthmere::update::testing {
 
-/// Keeps what a run reports, and does something at a step when a test asks for it.
+/// Records the progress that a run reports, and runs a test's actions at its steps.
 class RecordedProgress {
 public:
     using Step = std::pair<std::wstring, std::uint32_t>;
 
-    /// Has `action` called when `text` is reported, before the run goes on.
+    /// Calls `action` whenever `text` is reported, before the run goes on.
     void at(const std::wstring& text, std::function<void()> action) {
         actions_[text] = std::move(action);
     }
 
-    /// For the run; this object must outlive it.
+    /// The callback for the run. This object must outlive the run.
     [[nodiscard]] ProgressCallback callback() {
         return [this](std::wstring text, std::uint32_t percent) {
             steps_.emplace_back(text, percent);

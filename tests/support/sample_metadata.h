@@ -9,10 +9,10 @@
 
 namespace vorthmere::update::testing {
 
-/// A text file before its lines are joined: a test takes a valid one and changes one line.
+/// The lines of a text file. A test takes a valid file and changes one line.
 using Lines = std::vector<std::string>;
 
-/// Joins lines with a line end between them and, by default, behind the last.
+/// Joins lines with a line end between them and, by default, after the last.
 [[nodiscard]] std::string joinLines(const Lines& lines, std::string_view lineEnd = "\n", bool endLastLine = true);
 
 /// Returns `lines` with the one line that begins with `prefix` replaced.
@@ -25,10 +25,10 @@ using Lines = std::vector<std::string>;
 /// @throws std::invalid_argument unless exactly one line begins so
 [[nodiscard]] Lines withoutLine(Lines lines, std::string_view prefix);
 
-/// A digest that is valid in form: 64 times one lower-case hexadecimal digit.
+/// A digest in valid form: the same lower-case hexadecimal digit 64 times.
 [[nodiscard]] std::string sampleDigest(char digit);
 
-/// A record as the manifest reader returns it, its package lying on this build's release channel.
+/// A record as the manifest reader returns it, with its package on this build's release channel.
 [[nodiscard]] Manifest sampleManifest();
 
 /// The manifest file of a record, valid when the record is: the header and the eight fields.

@@ -77,7 +77,7 @@ void makeZip(const fs::path& zip, const FileTree& files, const std::vector<std::
     arguments.insert(arguments.end(), options.begin(), options.end());
     for (const std::string& name : namesIn(content.path()))
         arguments.push_back(inQuotes(name));
-    // Without names the tool insists on a list of names, which may be empty.
+    // The tool insists on names, but accepts an empty list of names.
     const fs::path noNames = zip.parent_path() / L"no names";
     writeFile(noNames, "");
     if (files.empty()) arguments.insert(arguments.end(), {L"-T", inQuotes(noNames)});

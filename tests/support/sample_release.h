@@ -18,7 +18,7 @@ namespace vorthmere::update::testing {
 /// Adds the managed-file list that names every file of a release, itself included.
 [[nodiscard]] FileTree withManagedFileList(FileTree files);
 
-/// The smallest release with a file in a folder, a blank in a name and contents that tell one release from another.
+/// A small release with files in folders and blanks in names. Most files differ from release to release.
 [[nodiscard]] FileTree sampleReleaseFiles(unsigned release);
 
 /// Inventory entries of a release's files, in byte order of the paths.
@@ -26,16 +26,16 @@ namespace vorthmere::update::testing {
 
 /// Packs files into a zip with the system's archive tool.
 ///
-/// @param options more arguments of the tool, in front of the names
+/// @param options more arguments of the tool, before the names
 /// @throws std::runtime_error when it fails
 void makeZip(const std::filesystem::path& zip, const FileTree& files, const std::vector<std::wstring>& options = {});
 
-/// The local test inputs of one release, in one folder: each can be replaced by a test before the run.
+/// The local input files of one release, in one folder. A test can replace each before the run.
 struct LocalRelease {
     enum class Package { packed, none };
 
-    /// Writes manifest, inventory and one object for each file, and packs them unless that is not wanted: then the
-    /// manifest describes some package that is large and not there.
+    /// Writes the manifest, the inventory and one object for each file, and the package unless it is Package::none.
+    /// Then the manifest describes a large package that does not exist.
     LocalRelease(const std::filesystem::path& folder, const FileTree& releaseFiles, unsigned release,
                  Package package = Package::packed);
 
@@ -44,12 +44,12 @@ struct LocalRelease {
     void writeManifest() const;
     void writeInventory() const;
 
-    /// Where the object of a content lies.
+    /// The path of the object with this content.
     [[nodiscard]] std::filesystem::path objectOf(std::string_view content) const;
 
-    /// Names the manifest and the package, so that the complete package is used.
+    /// Sets the manifest and the package, so that the complete package is used.
     void offerPackage(Arguments& arguments) const;
-    /// Names the inventory and the objects, too.
+    /// Sets the inventory and the objects, too.
     void offerObjects(Arguments& arguments) const;
 
     std::filesystem::path manifestFile;

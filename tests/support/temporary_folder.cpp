@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 #ifdef _WIN32
 
-// The library knows neither links nor long paths here.
+// The standard library knows neither links nor long paths here.
 fs::path reachable(const fs::path& path) {
     return extendedPath(path);
 }
@@ -39,7 +39,7 @@ void removeWithoutFollowingLinks(const fs::path& folder) {
         }
         SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
         if (!isFolder) DeleteFileW(path.c_str());
-        // Of a link to a folder this removes the link; Wine would remove an empty target.
+        // Windows removes a link to a folder itself; Wine would remove an empty target instead.
         if (isFolder) RemoveDirectoryW(path.c_str());
     }
     SetFileAttributesW(reachable(folder).c_str(), FILE_ATTRIBUTE_NORMAL);

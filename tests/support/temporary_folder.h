@@ -6,10 +6,10 @@
 
 namespace vorthmere::update::testing {
 
-/// An empty folder of its own in the system's temporary folder, removed with its content at the end.
+/// A new, empty folder in the system's temporary folder. The destructor removes it with its content.
 ///
-/// Removal never enters a link, so a test may plant links that lead out of the folder. What cannot be removed (a file
-/// that another process still holds) stays behind without an error.
+/// Removal never enters a link, so a test may plant links that lead out of the folder. What cannot be removed, such as
+/// a file that another process still holds, stays without an error.
 class TemporaryFolder {
 public:
     /// @throws std::filesystem::filesystem_error when the folder cannot be created

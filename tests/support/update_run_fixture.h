@@ -17,24 +17,22 @@ namespace vorthmere::update::testing {
 /// Release 41 is installed, with files of the player's beside it, and release 42 is offered by local files. The game is
 /// not relaunched unless a test asks for it.
 ///
-/// Whatever the run does, the player's files and what lies outside the installation must stay as they were: that is
-/// checked at the end of every test.
+/// The end of every test checks that the player's files and everything outside the installation are unchanged.
 class UpdateRunTest : public ::testing::Test {
 protected:
     explicit UpdateRunTest(const std::wstring& installationName = L"a game");
     void TearDown() override;
 
-    /// Publishes release 42 with these files: package, inventory and objects. Tests that need none of them never call
-    /// it.
+    /// Publishes release 42 with these files: package, inventory and objects. Not every test needs it.
     void publish(const FileTree& files);
     void publishSampleRelease() {
         publish(sampleReleaseFiles(42));
     }
 
-    /// Calls runUpdate and returns its code; `error` is empty before.
+    /// Clears `error`, calls runUpdate and returns its code.
     int run();
 
-    /// Expects a failing run with this code and sentence that leaves the managed files as they were.
+    /// Expects a run to fail with this code and sentence and to leave the managed files as they were.
     void expectFailure(int code, const std::wstring& sentence);
 
     /// The managed files that are installed now.

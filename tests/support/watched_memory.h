@@ -2,8 +2,8 @@
 
 namespace vorthmere::update::testing {
 
-/// Counts how often a piece of memory is freed with `delete`, and keeps it until the end of the watch, so that a second
-/// time, or a late use, harms nothing. One watch at a time.
+/// Counts how often `delete` is called for a piece of memory. The memory is freed only when the watch ends, so that a
+/// second `delete` or a late use does no harm. One watch at a time.
 class WatchedMemory {
 public:
     /// @param freed called each time; may be null

@@ -30,7 +30,7 @@ Result refuse(DWORD error, Result result) {
     return result;
 }
 
-/// The address of an imported function, as this program's own calls find it.
+/// The place in this program's import table that holds the address of a function.
 void** importedAddress(std::string_view function) {
     auto* const base = reinterpret_cast<std::byte*>(GetModuleHandleW(nullptr));
     const auto* const dos = reinterpret_cast<IMAGE_DOS_HEADER*>(base);
@@ -57,8 +57,7 @@ void exchange(void** place, void* function) {
     VirtualProtect(place, sizeof(*place), before, &before);
 }
 
-/// One call that is limited. `Limited` has the function's `name`, and `call`, which stands in its place and calls
-/// `original`.
+/// One limited call. `Limited` has the function's `name`, and the `call` that replaces it and calls `original`.
 template <typename Limited>
 struct Limit {
     static inline void** place = nullptr;
@@ -170,7 +169,7 @@ struct LimitedCreateProcess {
     }
 };
 
-/// Wine's own knows no name of more than some 260 characters, Windows' knows all.
+/// Wine's function fails for names of more than some 260 characters; that of Windows does not.
 struct UnlimitedFinalPath {
     static constexpr char name[] = "GetFinalPathNameByHandleW";
     static inline decltype(&GetFinalPathNameByHandleW) original = nullptr;

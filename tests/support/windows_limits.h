@@ -2,10 +2,10 @@
 
 namespace vorthmere::update::testing {
 
-/// While an object lives, this program's calls meet the limits that Windows sets to paths in their plain form, and that
-/// Wine does not: 259 characters (error 3), 247 for a new folder (206), and 258 for the folder that a process starts in
-/// (267). One limit that only Wine has, to names that it finds by an open file, is lifted. What Wine's own libraries
-/// call, and what other programs do, is not limited.
+/// While an object lives, this program's calls meet the limits of Windows on plain paths, which Wine does not have: 259
+/// characters (error 3), 247 for a new folder (206), and 258 for the folder that a process starts in (267). One limit
+/// that only Wine has is lifted: that on the final path of an open file. Calls from Wine's own libraries and from other
+/// programs are not limited.
 class WindowsPathLimits {
 public:
     /// @throws std::runtime_error when a call cannot be limited

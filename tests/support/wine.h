@@ -4,8 +4,7 @@
 
 namespace vorthmere::update::testing {
 
-/// True under Wine, false on Windows. For tests of what the two do differently: they expect the answer of the one that
-/// they run on.
+/// True under Wine, false on Windows. Where the two differ, a test expects the answer of the system that it runs on.
 [[nodiscard]] inline bool runsUnderWine() {
     return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
 }

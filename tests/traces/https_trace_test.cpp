@@ -12,7 +12,7 @@ const HINTERNET kConnection = fakeHandle(0x2004);
 const HINTERNET kRequest = fakeHandle(0x2008);
 constexpr DWORD kBodyBytes = 200'000;
 
-/// How much of the body was read, and how much the client says is there.
+/// How much of the body was read, and the most that one read asked for.
 DWORD bodyRead = 0;
 DWORD mostAsked = 0;
 
@@ -23,7 +23,7 @@ void note(const std::string& call, std::initializer_list<std::string> arguments)
     log().push_back(line);
 }
 
-// A client whose server answers with a body that is all there at once.
+// The functions below are a client whose server delivers the whole body at once.
 
 HINTERNET WINAPI openClient(const wchar_t* agent, DWORD proxyType, const wchar_t* proxy, const wchar_t* bypass,
                             DWORD flags) {

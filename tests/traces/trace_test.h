@@ -17,7 +17,7 @@ protected:
     }
 };
 
-/// A handle that stands for something that no system has opened.
+/// A handle that the system has not opened.
 inline HANDLE fakeHandle(std::uintptr_t number) {
     return reinterpret_cast<HANDLE>(number);
 }

@@ -1,7 +1,7 @@
 #include "tests/traces/traced_calls.h"
 
-// The copy of the platform finds the pointers where an import table would have been, or, of the calls that its headers
-// do not declare as imported, jumps through them.
+// The copy of the platform reads these pointers instead of its import table. Calls that the headers do not declare as
+// imported jump through them.
 #define KVN_DEFINE_TRACED(call) decltype(&::call) traced_##call = &::call;
 #define KVN_DEFINE_JUMP(call) asm(".text\n.globl jump_" #call "\njump_" #call ":\n    jmp *traced_" #call "(%rip)\n");
 extern "C" {

@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-/// The calls of Windows that the copy of the platform in this program makes: `traced_NAME` is the function that is
-/// called in the place of NAME, at first NAME itself.
+/// The calls of Windows that this program's copy of the platform makes. It calls `traced_NAME` instead of NAME; at
+/// first that is NAME itself.
 #define KVN_TRACED_CALLS(TRACED, TRACED_DIRECTLY) \
     TRACED(CloseHandle)                           \
     TRACED(CopyFileW)                             \
@@ -56,7 +56,7 @@ KVN_TRACED_CALLS(KVN_DECLARE_TRACED, KVN_DECLARE_TRACED)
 
 namespace vorthmere::update::traces {
 
-/// Puts another function in the place of a call for as long as it lives.
+/// Replaces a call by another function for as long as the object lives.
 template <typename Function>
 class Replaced {
 public:
@@ -72,7 +72,7 @@ private:
     Function before_;
 };
 
-/// What the replacements write down: calls with their arguments, in order.
+/// The calls that the replacements recorded, with their arguments, in order.
 using Log = std::vector<std::string>;
 [[nodiscard]] Log& log();
 

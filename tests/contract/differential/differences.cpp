@@ -15,7 +15,7 @@ std::optional<EntryView> entryAt(const Machine& machine, const std::string& path
     return machine.files.find(ModelSide::full(path));
 }
 
-/// Where the step writes.
+/// The path that the step writes to.
 const std::string& targetOf(const Step& step) {
     const bool hasTarget = step.action == Action::moveFile || step.action == Action::copyFile;
     return hasTarget ? step.second : step.path;
@@ -60,7 +60,7 @@ bool deletesAMappedFile(const Comparison& step) {
            step.before.files.disk.at(id).mappings > 0;
 }
 
-/// Two things stand in the way, and the two name different ones first.
+/// Two reasons forbid the step, and Windows and Wine report different ones.
 bool hasTwoReasons(const Comparison& step) {
     const auto id = step.before.files.entryOf(ModelSide::full(targetOf(step.step)));
     if (id == simulation::kNoEntry || !overwrites(step.step)) return false;

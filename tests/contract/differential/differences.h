@@ -23,7 +23,7 @@ struct Difference {
     std::string_view name;
     std::string_view reason;
     bool (*applies)(const Comparison&);
-    /// True when both answered the same, and only what comes later would differ.
+    /// True when both gave the same answer, and only later answers would differ.
     bool showsLater = false;
     bool isRare = false;  ///< a run of the usual length may not need it
 };

@@ -1,4 +1,4 @@
-// Does the same random steps on the simulated machine and on the real platform, and compares after each.
+// Takes the same random steps on the simulated machine and on the real platform, and compares after each.
 //
 // Usage: differential_run [--seed N] [--seconds N | --sequence N]
 //
@@ -21,7 +21,7 @@ namespace {
 constexpr std::uint64_t kUsualSeed = 41;
 constexpr std::size_t kUsualSequences = 400;
 constexpr std::size_t kSequencesPerWorld = 50;
-/// Of 1000 steps, so many may end their sequence by a known difference.
+/// Of 1000 steps, at most this many may end their sequence with a known difference.
 constexpr std::size_t kMostExcused = 25;
 constexpr std::string_view kSpelling = "names keep their spelling";
 
@@ -62,8 +62,7 @@ public:
     }
 
 private:
-    /// Takes one sequence. @return false when the two differ and nothing excuses it; the shortest such steps are
-    /// printed
+    /// Takes one sequence. @return false when the two differ without an excuse; then it prints the shortest such steps
     bool report(std::uint64_t sequence) {
         const std::vector<Step> steps = drawSteps(options_.seed * 1'000'003 + sequence);
         const Result result = take(steps);
@@ -129,7 +128,7 @@ private:
         return false;
     }
 
-    /// Wine keeps the old spelling of a name that is moved onto another spelling, and goes on.
+    /// Wine keeps the old spelling of a name that is moved onto another spelling. That does not end a sequence.
     bool isSame(std::uint32_t leftError, const std::string& left, std::uint32_t rightError, const std::string& right,
                 Result& result) const {
         if (leftError != rightError) return false;

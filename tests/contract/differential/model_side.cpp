@@ -25,7 +25,7 @@ ModelSide::ModelSide(Deletion deletion)
     machine_.beginCaller("C:/Programs/updater.exe", "C:/");
 }
 
-// The platform's functions take a path for what it says: a last dot is part of a name.
+// The platform's functions take a path literally: a dot at its end is part of the name.
 std::string ModelSide::full(const std::string& path) {
     const bool isAltered = path.ends_with('.') || path.ends_with(' ');
     return (isAltered ? "//?/" : "") + std::string(kFolder) + "/" + path;

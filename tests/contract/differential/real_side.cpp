@@ -22,7 +22,7 @@ std::string factsOf(const EntryFacts& facts) {
     return std::to_string(facts.attributes.bits & kComparedAttributes) + "/" + std::to_string(facts.size);
 }
 
-/// What the platform's functions make of a path, for the other programs: a last dot is part of a name.
+/// A path for the other programs as the platform's functions take it: a dot at its end is part of the name.
 std::filesystem::path literally(const std::filesystem::path& path) {
     const bool isAltered = path.native().ends_with(L'.') || path.native().ends_with(L' ');
     return isAltered ? std::filesystem::path(L"\\\\?\\" + path.native()) : path;

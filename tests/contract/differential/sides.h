@@ -9,10 +9,10 @@
 
 namespace vorthmere::update::contract {
 
-/// The attributes that both sides tell.
+/// The attributes that both sides report.
 inline constexpr std::uint32_t kComparedAttributes = 0x413;
 
-/// One of the two that do the same.
+/// One of the two sides that take the same steps.
 class Side {
 public:
     Side() = default;
@@ -21,7 +21,7 @@ public:
     Side& operator=(const Side&) = delete;
 
     virtual Answer perform(const Step& step) = 0;
-    /// All that is there, with contents, once others have let go.
+    /// All entries with their contents, after the other programs have let go.
     virtual std::string tree() = 0;
 };
 

@@ -29,7 +29,7 @@ constexpr std::array<std::string_view, 12> kPaths = {"a",   "b",     "c",     "d
                                                      "d/e", "d/e/a", "d/e/f", "e/a", "e",   "name with blanks.txt"};
 constexpr std::array<std::string_view, 6> kOddPaths = {"a*", "d/a. .", "b.", "e?/a", "d/./../a", "a/b/c"};
 
-/// What most sequences begin with, so that they have something to work on.
+/// The first steps of most sequences, so that the others have something to work on.
 constexpr std::array<std::pair<Action, std::string_view>, 4> kBeginning{{
     {Action::write, "a"},
     {Action::createFolder, "d"},
@@ -42,8 +42,7 @@ constexpr std::size_t kOddsOfOtherCase = 12;
 constexpr std::size_t kOddsOfOddPath = 30;
 constexpr std::size_t kOddsOfLeavingOut = 5;
 
-/// Often the sequence's favourite, so that its steps have to do with each other. Now and then a letter of the other
-/// case.
+/// Draws a path, often the sequence's favourite, so that steps affect each other. Sometimes changes a letter's case.
 std::string drawPath(Random& random, std::string_view favourite) {
     std::string path(favourite);
     if (random.below(kOddsOfOddPath) == 0)
@@ -71,7 +70,7 @@ Step drawStep(Random& random, const Habits& habits) {
     step.path = drawPath(random, habits.favourite);
     step.second = drawPath(random, habits.favourite);
     step.access = static_cast<unsigned>(random.below(8));
-    // Half of the holders share all, or most steps after them would be refused.
+    // Half of the holders share everything; otherwise most steps after them would be refused.
     step.sharing = static_cast<unsigned>(random.below(2) == 0 ? 7 : random.below(8));
     // Read-only, hidden or plain.
     step.attributes = std::array<std::uint32_t, 4>{1, 1, 2, 0}[random.below(4)];

@@ -7,7 +7,7 @@
 
 namespace vorthmere::update::contract {
 
-/// What happens in one step, to files of one folder.
+/// The kinds of steps. All are taken in one folder.
 enum class Action {
     createFolder,
     removeEmptyFolder,
@@ -41,14 +41,14 @@ struct Step {
     std::uint32_t attributes = 0;  ///< of setAttributes
 };
 
-/// What a step gives: Windows' number, and on success the facts that it tells.
+/// A step's result: Windows' error number and, on success, the facts that it reports.
 struct Answer {
     std::uint32_t error = 0;
     std::string facts;
     friend bool operator==(const Answer&, const Answer&) = default;
 };
 
-/// The same numbers on every machine.
+/// Random numbers that are the same on every machine.
 class Random {
 public:
     explicit Random(std::uint64_t seed) : state_(seed) {}
@@ -59,7 +59,7 @@ private:
     std::uint64_t state_;
 };
 
-/// Draws the steps of one sequence: some kinds of steps are left out of it altogether.
+/// Draws the steps of one sequence. It may lack some kinds of steps altogether.
 [[nodiscard]] std::vector<Step> drawSteps(std::uint64_t seed);
 
 [[nodiscard]] std::string describe(const Step& step);

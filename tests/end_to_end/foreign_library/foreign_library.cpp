@@ -1,4 +1,4 @@
-// Tells that it was loaded, by a file beside it, and has no function that anybody could want.
+// Creates a file beside itself when it is loaded, and exports no functions.
 #include <windows.h>
 
 #include <string>

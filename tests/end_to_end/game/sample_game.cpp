@@ -1,5 +1,5 @@
-// A game that tells how it was started, in the file that KVN_GAME_REPORT names, and ends. With "--update" it starts its
-// updater instead, with the options that follow.
+// A game that writes how it was started into the file that KVN_GAME_REPORT names, and ends. With "--update" it starts
+// its updater instead, with the options that follow.
 #include <windows.h>
 
 #include <cstdio>
@@ -16,7 +16,7 @@ std::wstring currentFolder() {
     return folder;
 }
 
-/// Pipes among this process's handles: it opens none itself, so whatever is found was inherited.
+/// Counts the pipes among this process's handles. It opens none itself, so they were inherited.
 int countPipes() {
     constexpr std::size_t kHandlesLookedAt = 1024;
     int pipes = 0;
@@ -44,7 +44,7 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR arguments, int) {
     const int pipes = countPipes();
     const wchar_t* name = _wgetenv(L"KVN_GAME_REPORT");
     if (!name) return 1;
-    // Under its final name only when it is complete.
+    // The report gets its final name only when it is complete.
     const std::wstring incoming = std::wstring(name) + L".new";
     FILE* report = _wfopen(incoming.c_str(), L"wb");
     if (!report) return 1;

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// The folder of this program, without a backslash at its end (but for the root of a drive).
+/// The folder of this program, without a backslash at its end (except for the root of a drive).
 std::wstring gameFolder() {
     std::wstring path(32768, L'\0');
     path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
@@ -17,7 +17,7 @@ std::wstring gameFolder() {
     return path.ends_with(L':') ? path + L'\\' : path;
 }
 
-/// The release that is installed, as `kvn_release.txt` says; empty when it does not.
+/// The installed release according to `kvn_release.txt`; empty when the file does not name one.
 std::wstring installedRelease(const std::wstring& folder) {
     constexpr std::string_view key = "release=";
     std::ifstream file((folder + L"\\kvn_release.txt").c_str());
@@ -30,8 +30,8 @@ std::wstring installedRelease(const std::wstring& folder) {
     return {};
 }
 
-/// In quotes. A backslash before the closing quote would take the quote for a part of the text, so it is doubled. (A path
-/// holds no quotes.)
+/// Puts a path in quotes. A backslash before the closing quote would make the quote part of the text, so it is doubled.
+/// (A path holds no quotes.)
 std::wstring quoted(const std::wstring& path) {
     return L'"' + path + (path.ends_with(L'\\') ? L"\\\"" : L"\"");
 }
@@ -51,7 +51,7 @@ bool startUpdater(const std::wstring& moreOptions) {
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION started{};
-    // No handles are inherited: one of a file of the game would keep that file from being replaced.
+    // No handles are inherited: a handle of one of the game's files would keep that file from being replaced.
     constexpr BOOL inheritHandles = FALSE;
     if (!CreateProcessW(updater.c_str(), commandLine.data(), nullptr, nullptr, inheritHandles, 0, nullptr,
                         folder.c_str(), &startup, &started))

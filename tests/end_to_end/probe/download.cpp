@@ -19,12 +19,12 @@ using namespace update;
 struct Outcome {
     bool succeeded = false;
     std::wstring error;
-    std::uint64_t received = 0;  ///< as progress told last
+    std::uint64_t received = 0;  ///< the last that progress reported
     std::uint64_t expected = 0;
     ULONGLONG milliseconds = 0;
 };
 
-/// Cuts the first word off.
+/// Removes the first word and returns it.
 std::wstring takeWord(std::wstring& text) {
     const std::size_t end = text.find(L' ');
     std::wstring word = text.substr(0, end);

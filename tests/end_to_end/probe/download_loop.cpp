@@ -17,8 +17,8 @@ constexpr std::uint64_t kLimit = 1000;
 constexpr int kWarmUpRounds = 5;
 constexpr std::size_t kProbedHandles = 64;
 
-// Wine gives a new handle of WinHTTP the lowest free number, so each one that was never closed raises the highest of a
-// number of new ones. On Windows the number means nothing.
+// Wine gives a new WinHTTP handle the lowest free number, so each handle that was never closed raises the highest
+// number among some new ones. On Windows the number means nothing.
 std::size_t highestOfNewInternetHandles() {
     std::vector<update::InternetHandle> sessions(kProbedHandles);
     std::size_t highest = 0;

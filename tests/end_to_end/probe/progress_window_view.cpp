@@ -7,7 +7,7 @@ bool ProgressWindowView::readOutcome(Texts& texts) const {
     const bool succeeded = texts.detail == L"Kelvane is relaunching now." ||
                            texts.detail == L"The portable update verification completed successfully.";
     if (!succeeded && !IsWindowVisible(closeButton())) return false;
-    // The texts of a failure may have come between the two questions.
+    // The texts of a failure may have arrived between the two reads.
     texts = read();
     return true;
 }

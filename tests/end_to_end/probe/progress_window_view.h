@@ -9,7 +9,7 @@
 
 namespace vorthmere::probe {
 
-/// How often to look for the outcome; a success stays on the screen for 900 ms.
+/// The time between two looks for the outcome. A success stays on the screen for 900 ms.
 inline constexpr DWORD kOutcomePollMs = 20;
 
 /// The controls of an updater's progress window, which runs in another process.
@@ -42,8 +42,8 @@ public:
         return {windowText(status()), windowText(detail())};
     }
 
-    /// Reads the texts and tells whether they are those of a run that has ended. They are then complete: a success has
-    /// replaced the detail text, and a failure has revealed the button behind both.
+    /// Reads the texts and returns whether they are those of a run that has ended. They are then complete: a success
+    /// has replaced the detail text, and a failure has shown the button after it set both texts.
     [[nodiscard]] bool readOutcome(Texts& texts) const;
 
 private:

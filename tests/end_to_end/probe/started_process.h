@@ -19,7 +19,7 @@ struct StartedProcess {
     [[nodiscard]] DWORD waitForExitCode() const;
 };
 
-/// Starts a program, `words` being its path and its arguments. When that fails, says so and returns an empty record.
+/// Starts a program; `words` are its path and its arguments. On failure, prints the error and returns an empty record.
 [[nodiscard]] StartedProcess startProcess(std::span<const std::wstring> words);
 
 }  // namespace vorthmere::probe

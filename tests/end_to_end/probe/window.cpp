@@ -99,7 +99,7 @@ void post(HWND window, std::istringstream& words) {
     printLine(PostMessageW(window, message, wParam, 0) ? L"posted" : L"not posted");
 }
 
-/// Reads one line of standard input and answers it; false at its end.
+/// Reads one line of standard input and answers it; false at the end of input.
 bool answerNext(const StartedProcess& updater, const ProgressWindowView& view) {
     std::string line;
     if (!std::getline(std::cin, line)) return false;

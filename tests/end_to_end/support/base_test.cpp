@@ -142,9 +142,9 @@ RunOutcome EndToEndTest::runInWindow(UpdaterCommand command) {
     return readOutcome(probe);
 }
 
-// The transfer report is written when the release is staged; the last thing done before the game is waited for is to
-// read the installed list. On a busy machine the report may be written before its folder is watched: an updater that has
-// written it and touches nothing any more is waiting, too.
+// The updater writes the transfer report when the release is staged, and reads the installed list right before it waits
+// for the game. On a busy machine it may write the report before the report's folder is watched. So an updater that has
+// written the report and touches nothing any more is waiting, too.
 bool EndToEndTest::waitUntilReadyToInstall(FolderWatch& watch) const {
     constexpr Milliseconds quiet{5'000};
     const fs::path report = scenario.workFolder / "transfer.txt";

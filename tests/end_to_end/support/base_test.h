@@ -14,7 +14,7 @@
 
 namespace vorthmere::end_to_end {
 
-/// The updater's command line. What is left empty is not given.
+/// The updater's command line. Empty values are not given.
 struct UpdaterCommand {
     std::string install;
     std::string current = "41";
@@ -38,8 +38,8 @@ enum class Source {
 
 /// The base of every end-to-end test: a scenario, and a run of the real updater on it.
 ///
-/// Before each start of the updater the player's files and everything outside the installation are recorded, and at the
-/// end of that run, or of the test, they must be the same. A test that never started the updater fails.
+/// Before each start of the updater it records the player's files and everything outside the installation. At the end
+/// of that run, or of the test, they must be the same. A test that never started the updater fails.
 class EndToEndTest : public testing::Test {
 protected:
     explicit EndToEndTest(const ScenarioOptions& options = {});
@@ -67,20 +67,20 @@ protected:
         return startUpdater(updaterCommand.arguments());
     }
 
-    /// Runs the updater to its end with a game that is still open when everything is ready to be installed, lets the
-    /// test do something then, and closes the game.
+    /// Runs the updater to its end with an open game. When everything is ready to be installed, calls `whileItWaits`
+    /// and closes the game.
     int runUpdater(UpdaterCommand command, const std::function<void()>& whileItWaits);
 
-    /// Starts the updater by way of a subcommand of the probe that takes it and its arguments. The output is a pipe
-    /// unless `options` say otherwise. The end is as with startUpdater().
+    /// Starts the updater through a subcommand of the probe, which gets the updater and its arguments. The output is a
+    /// pipe unless `options` say otherwise. The caller ends the run as with startUpdater().
     [[nodiscard]] ChildProcess startThroughProbe(const std::string& subcommand,
                                                  const std::vector<std::string>& arguments,
                                                  ProcessOptions options = {});
 
-    /// Compares what no run may touch with what it was before the start.
+    /// Expects everything that no run may touch to be as it was before the start.
     void finishRun();
 
-    /// For a test that itself changes, during a run, what no run may touch: takes the record anew.
+    /// Records anew what no run may touch. For a test that changes some of it during a run.
     void recordProtectedAgain();
 
     /// Runs this program instead of the installation's own KVNUpdater.exe.
@@ -133,7 +133,7 @@ private:
     Milliseconds lastDuration_{0};
 };
 
-/// A Windows process that does nothing until it is told to end, in the place of the game.
+/// A Windows process that stands for the game and does nothing until it is told to end.
 class OpenGame {
 public:
     OpenGame();
@@ -156,7 +156,7 @@ class FileLock {
 public:
     explicit FileLock(const std::vector<std::filesystem::path>& files);
 
-    /// Lets go of the files.
+    /// Closes the files.
     void release();
 
 private:

@@ -10,7 +10,7 @@ namespace {
 
 constexpr unsigned long kSetBarPosition = 0x402;
 
-// Programs are loaded at their preferred address, which tells their calls from those that a library makes.
+// Programs are loaded at their preferred address, so the return address tells their calls from those of libraries.
 const std::regex kCall(R"((\d+\.\d+):([0-9a-f]+):([0-9a-f]+):Call (\S+)\((.*)\) ret=14[0-9a-f]{7})");
 const std::regex kReturn(R"((\d+\.\d+):([0-9a-f]+):([0-9a-f]+):Ret  (\S+)\(\) retval=([0-9a-f]+) ret=14[0-9a-f]{7})");
 const std::regex kText(R"rx(L"((?:[^"\\]|\\.)*)")rx");
@@ -37,8 +37,7 @@ std::vector<unsigned long> TracedCall::numbers() const {
 CallTrace::CallTrace(const std::filesystem::path& traceFile, const std::string& processId) {
     const auto isWanted = [&processId](const std::string& id) { return processId.empty() || id == processId; };
     std::ifstream file(traceFile);
-    // By thread and function, the calls that have not returned yet; a window's creation has those of its children in
-    // it.
+    // The calls that have not returned yet, by thread and function. A window's creation includes those of its children.
     std::map<std::string, std::vector<std::size_t>> open;
     std::smatch part;
     for (std::string line; std::getline(file, line);) {

@@ -10,7 +10,7 @@ namespace vorthmere::end_to_end {
 struct TracedCall {
     double time = 0;        ///< in seconds
     std::string function;   ///< such as "user32.SetTimer"
-    std::string arguments;  ///< in hexadecimal, separated by commas; a text behind its address
+    std::string arguments;  ///< in hexadecimal, separated by commas; a text after its address
     std::string result;     ///< in hexadecimal; empty when the call never returned
 
     /// The quoted texts among the arguments, "\n" for a line break.
@@ -20,11 +20,11 @@ struct TracedCall {
     [[nodiscard]] std::vector<unsigned long> numbers() const;
 };
 
-/// Wine prints a line for the start and the end of every call of a function that is traced; which ones that are,
-/// scripts/wine-prefix says. Nothing is added to the program for this.
+/// Wine prints a line for the start and the end of every call of a traced function. scripts/wine-prefix names these
+/// functions. The program itself is unchanged.
 class CallTrace {
 public:
-    /// What has to be in the environment of a program that is to be traced; the trace goes to its standard error.
+    /// The environment that makes Wine trace a program. The trace goes to the program's standard error.
     static constexpr char kEnvironment[] = "WINEDEBUG=+timestamp,+pid,+relay";
 
     /// Reads the calls that a process made from its program's own code, in order.
@@ -42,8 +42,8 @@ private:
     std::vector<TracedCall> calls_;
 };
 
-/// The steps that the progress window showed, as "status: <text>", "detail: <text>" and "bar: <position>", in order;
-/// what the controls are created with is not among them.
+/// The steps that the progress window showed, as "status: <text>", "detail: <text>" and "bar: <position>", in order.
+/// The texts that the controls are created with are not among them.
 [[nodiscard]] std::vector<std::string> stepsShown(const CallTrace& trace);
 
 }  // namespace vorthmere::end_to_end

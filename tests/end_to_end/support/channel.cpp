@@ -27,7 +27,7 @@ void runTool(const std::vector<std::string>& command, const ProcessOptions& opti
     if (end.exitCode != 0) throw std::runtime_error(command.front() + " failed");
 }
 
-/// Of the fields of a line the first two and the last two; nginx has more of them in between.
+/// Takes the first two and the last two fields of a line; nginx writes more fields between them.
 ChannelRequest parseRequest(const std::string& line) {
     std::vector<std::string> fields;
     std::istringstream text(line);
@@ -74,7 +74,7 @@ fs::path channelCertificates() {
         fs::remove_all(folder);
         runTool({kSources + "/scripts/channel-certificates", folder.string(), host});
     }
-    // Each time, as the prefix may have been made anew since.
+    // Every time, because the prefix may have been made anew.
     runTool(wineCommand(probeProgram(), {"trust", windowsPath(folder / "authority.der")}));
     return folder;
 }

@@ -9,7 +9,7 @@
 
 namespace vorthmere::end_to_end {
 
-/// Where the test channel is: the release channel of the build, which is on this machine.
+/// The port of the test channel, which is the release channel of this build, on this machine.
 [[nodiscard]] unsigned channelPort();
 
 /// "host:port" of the channel's address.
@@ -35,13 +35,13 @@ struct ChannelRequest {
 /// The one request that the updater makes for a file.
 [[nodiscard]] ChannelRequest requestFor(const std::string& name);
 
-/// The folder of the certificates of this run of the tests. The first test that asks has them made, and
-/// every one has the good authority trusted in the tests' Wine prefix.
+/// The folder of the certificates of this run of the tests. The first test that calls this makes them. Every call lets
+/// the tests' Wine prefix trust the good authority.
 ///
-/// @throws std::runtime_error when one of these is not possible
+/// @throws std::runtime_error when that is not possible
 [[nodiscard]] std::filesystem::path channelCertificates();
 
-/// nginx, serving a folder. It ends at the end of this object's life.
+/// nginx, which serves a folder for as long as the object lives.
 class PlainChannel {
 public:
     explicit PlainChannel(const std::filesystem::path& channelFolder);
@@ -56,9 +56,9 @@ private:
     update::testing::TemporaryFolder run_;
 };
 
-/// A server that gives the answers that a test asks for; its commands and answers are described in
-/// tests/end_to_end/support/fault_server.py. A request that is not expected, or an expected one that never comes,
-/// fails the test at the end of this object's life.
+/// A server that gives the answers that a test asks for. tests/end_to_end/support/fault_server.py describes its
+/// commands and answers. The destructor fails the test for a request that was not expected, or an expected one that
+/// never came.
 class FaultServer {
 public:
     FaultServer();
@@ -66,14 +66,13 @@ public:
     FaultServer& operator=(const FaultServer&) = delete;
     ~FaultServer();
 
-    /// Expects one more request for a path and says how it is answered. Several answers for a path serve its requests
-    /// in their order.
+    /// Expects one more request for a path and sets its answer. Several answers for a path are given in order.
     void answer(const std::string& path, const std::string& how);
 
     void useCertificate(const std::string& name);
     void setHandshake(const std::string& mode);
 
-    /// Returns when so many requests for a path have arrived since the start, and fails the test when they do not.
+    /// Waits until `count` requests for a path have arrived since the start, and fails the test when they do not.
     void waitForRequests(const std::string& path, std::size_t count);
 
     /// Closes the connections that the answers left open.

@@ -10,7 +10,7 @@
 
 namespace vorthmere::end_to_end {
 
-/// One run of the updater in its window on an installation of its own, so that several can take place at once.
+/// One run of the updater in its window on its own installation, so that several can run at the same time.
 class ChannelRun {
 public:
     /// How a run is to end.
@@ -22,17 +22,17 @@ public:
 
     explicit ChannelRun(std::string name);
 
-    /// The file of the run's own name that the channel serves as its package.
+    /// The name of this run's package on the channel, made from the run's name.
     [[nodiscard]] std::string packageName() const;
     [[nodiscard]] std::string inventoryName() const;
 
-    /// What the updater is offered; the package's address is the run's own. May be changed before it is rendered.
+    /// The offered manifest, with the address of this run's package. A test may change it before it renders it.
     ManifestText manifest;
 
     void start(Expectation expectation);
 
-    /// Waits for the end, compares it with what was expected, and looks at the installation: after a failure it must be
-    /// as it was, byte for byte and with its times, after a success release 42.
+    /// Waits for the end and compares it with the expectation. After a failure the installation must be as it was, byte
+    /// for byte and with its times. After a success it must be release 42.
     ///
     /// @param timeLimit for the whole run since its start
     void finish(Milliseconds timeLimit);

@@ -2,8 +2,8 @@
 
 namespace vorthmere::end_to_end {
 
-/// What the program says about faults of the channel. Where a Windows error stands behind the words, the constant is a
-/// regular expression that leaves the number open: it is Wine's here and another on Windows.
+/// The program's sentences about faults of the channel. Where a sentence contains a Windows error, the constant is a
+/// regular expression that leaves the number open, because Wine and Windows have different ones.
 inline constexpr const char* kInvalidAddress = "The update URL is not a valid HTTPS address.";
 inline constexpr const char* kRequestFailed = "The HTTPS update request failed \\(Windows error [1-9][0-9]*\\)";
 inline constexpr const char* kTooLarge = "The update download is larger than the safety limit.";

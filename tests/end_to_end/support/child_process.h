@@ -26,7 +26,7 @@ struct ProcessOptions {
     std::filesystem::path errorFile = {};  ///< receives standard error; empty: it goes where the output file says
 };
 
-/// A child process in a process group of its own. It is killed when this object's life ends.
+/// A child process in its own process group. The destructor kills it.
 class ChildProcess {
 public:
     /// @param command the program's path and its arguments
@@ -40,8 +40,8 @@ public:
         return id_;
     }
 
-    /// The next line of standard output, without its line end; what was read until then when the output ends or the
-    /// time is up. Only without an output file.
+    /// The next line of standard output, without its line end. When the output ends or the time is up, returns what was
+    /// read until then. Only without an output file.
     [[nodiscard]] std::string readLine(Milliseconds timeLimit);
 
     /// Writes a line to the child's standard input.
@@ -52,15 +52,15 @@ public:
     /// Ends the child's standard input.
     void closeInput();
 
-    /// SIGKILL to the process alone, or to its whole group. Its end is still to be waited for.
+    /// Sends SIGKILL to the process alone, or to its whole group. The caller still has to wait for the end.
     void kill();
     void killGroup();
 
-    /// Stops the process where it is, and lets it go on.
+    /// Stops the process, and lets it continue.
     void suspend();
     void resume();
 
-    /// True when the process has ended within the time; its end is then known to wait().
+    /// True when the process has ended within the time; wait() then tells how.
     [[nodiscard]] bool hasEnded(Milliseconds timeLimit);
 
     /// Waits for the end. A process that takes longer is killed with its group, and `killed` is set.

@@ -121,7 +121,7 @@ class Server:
             with self.context.wrap_socket(plain, server_side=True) as connection:
                 self.answer(connection)
         except OSError:
-            pass  # The client went, which is its right; what it should have asked for shows as missing.
+            pass  # The client may go. Requests that it did not make are reported as missing.
 
     def stall(self, connection):
         select.select([connection, self.release_reader], [], [])
@@ -156,7 +156,7 @@ class Server:
             try:
                 connection.unwrap()
             except ssl.SSLError:
-                pass  # The notice is sent; the client's own is not waited for.
+                pass  # The notice is sent. The server does not wait for the client's.
 
     def record(self, head):
         request, *lines = head.split("\r\n")

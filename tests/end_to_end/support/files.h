@@ -6,16 +6,16 @@
 
 namespace vorthmere::end_to_end {
 
-/// Whole files, their parent folders made as needed. All throw when the file system refuses.
+/// Read and write whole files; writing makes missing parent folders. Both throw when the file system refuses.
 
 [[nodiscard]] std::string readFile(const std::filesystem::path& file);
 void writeFile(const std::filesystem::path& file, std::string_view content);
 
-/// The same attribute that Windows programs see under Wine.
+/// The read-only attribute that Windows programs see under Wine.
 void setReadOnly(const std::filesystem::path& file, bool readOnly = true);
 [[nodiscard]] bool isReadOnly(const std::filesystem::path& file);
 
-/// The name of a file for a Windows program.
+/// The path of a file for a Windows program.
 [[nodiscard]] std::string windowsPath(const std::filesystem::path& file);
 
 }  // namespace vorthmere::end_to_end

@@ -18,7 +18,7 @@ struct FolderEvent {
     std::uint32_t what = 0;  ///< an IN_... value
 };
 
-/// Tells in order what happens in folders, from the moment on at which they are added.
+/// Reports in order what happens in folders after they were added.
 class FolderWatch {
 public:
     FolderWatch();

@@ -13,7 +13,7 @@ ScenarioOptions onDisk(ScenarioOptions options, const SmallDisk& disk) {
 }  // namespace
 
 FullDiskTest::FullDiskTest(ScenarioOptions options) : EndToEndTest(onDisk(std::move(options), disk)) {
-    // Its file need not be on the full disk.
+    // The program's file need not be on the full disk.
     useUpdater(updaterProgram());
 }
 

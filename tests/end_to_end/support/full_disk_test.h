@@ -10,13 +10,13 @@
 
 namespace vorthmere::end_to_end {
 
-/// Comes before the scenario that lies on the disk.
+/// A base class, so that the disk exists before the scenario that lies on it.
 struct DiskOfScenario {
     SmallDisk disk;
 };
 
-/// Runs the updater on an installation whose disk is full. Whatever step that stops, the previous release must stay as
-/// it was. Skipped on a machine where no file system can be mounted.
+/// Runs the updater on an installation whose disk is full. At whatever step that stops it, the previous release must
+/// stay as it was. Skipped where no file system can be mounted.
 class FullDiskTest : private DiskOfScenario, public EndToEndTest {
 protected:
     /// Exit codes with their sentences.
@@ -29,7 +29,7 @@ protected:
     /// Runs the updater with more and more space until it succeeds.
     ///
     /// @param step how much more space each run has than the one before
-    /// @return what the runs came to, each once
+    /// @return the outcomes of the runs, each once
     Outcomes outcomesWithBytes(Source source, std::uint64_t step);
 
     /// The same with a limit on the number of files and folders.

@@ -14,7 +14,7 @@ MovedAside::~MovedAside() {
 }
 
 InstallationFaultTest::InstallationFaultTest() : EndToEndTest(smallUpdate()) {
-    // Not the installation's own, which is no program here.
+    // The installation's own updater is no program here.
     useUpdater(updaterProgram());
 }
 

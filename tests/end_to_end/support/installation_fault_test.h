@@ -6,7 +6,7 @@
 
 namespace vorthmere::end_to_end {
 
-/// A file or folder that is out of the way during this object's life. Whatever took its place is removed at the end.
+/// Moves a file or folder aside for as long as the object lives. The destructor removes whatever took its place.
 class MovedAside {
 public:
     MovedAside(std::filesystem::path path, std::filesystem::path place);

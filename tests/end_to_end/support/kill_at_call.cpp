@@ -1,5 +1,5 @@
-// Loaded into a program before its libraries, this kills it right before one of its calls that change files: the one
-// whose number, counted from 1 over all threads, stands in KVN_KILL_AT_CALL.
+// Loaded into a program before its libraries, this kills it right before one of its calls that change files.
+// KVN_KILL_AT_CALL holds the number of that call, counted from 1 over all threads.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/types.h>
@@ -32,7 +32,7 @@ Function* original(const char* name) {
 
 extern "C" {
 
-// Of the calls that open a file those that create it count.
+// Only the calls that create a file count.
 int open(const char* path, int flags, ...) {
     std::va_list rest;
     va_start(rest, flags);

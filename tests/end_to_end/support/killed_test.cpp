@@ -30,7 +30,7 @@ std::vector<pid_t> processesThatName(const std::string& text) {
         const std::string id = process.path().filename().string();
         if (id.find_first_not_of("0123456789") != std::string::npos) continue;
         std::ifstream file(process.path() / "cmdline", std::ios::binary);
-        // A process that ends meanwhile makes the reading fail, which this takes for the end of the words.
+        // If the process ends meanwhile, reading fails. This takes that for the end of the words.
         std::ostringstream words;
         words << file.rdbuf();
         if (words.str().find(text) != std::string::npos) found.push_back(std::stoi(id));
@@ -40,7 +40,7 @@ std::vector<pid_t> processesThatName(const std::string& text) {
 
 }  // namespace
 
-// Not the installation's own updater, which may be anywhere when it was killed.
+// The installation's own updater may have moved anywhere when it was killed.
 KilledTest::KilledTest() {
     useUpdater(updaterProgram());
 }
@@ -62,7 +62,7 @@ void KilledTest::killRuns(Source source, Clock clock, int runs) {
         else
             expectRecovery(source);
     }
-    // The last moments may come too late on a busy machine.
+    // On a busy machine the last moments may come after the end of a run.
     EXPECT_GE(killed, runs - runs / 5);
     EXPECT_GE(interrupted_, clock == Clock::installation ? runs / 2 : 0) << "in the middle of the installation";
     RecordProperty("killed", killed);
@@ -73,7 +73,7 @@ void KilledTest::watchWith(FolderWatch& watch, Clock clock) const {
     watch.addTree(scenario.installation, clock == Clock::run ? kAnything : kMoves);
 }
 
-/// Counts one event, if there is one, and follows the work folder as it is made.
+/// Takes one event, if there is one, and watches new folders, too.
 bool KilledTest::takeEvent(FolderWatch& watch, Clock clock) {
     const std::optional<FolderEvent> event = watch.next(Milliseconds(1));
     if (!event) return false;
@@ -115,9 +115,9 @@ bool KilledTest::killAt(Source source, Clock clock, int moment) {
     return killed;
 }
 
-/// The archive tool may outlive the updater, and Wine's server may still be busy with the last request of either:
-/// it takes requests in turn, so it is done with them when it has served another program. A tool that was just being
-/// created is never let go, and has to be killed as well.
+/// The archive tool may outlive the updater, and Wine's server may still be busy with the last request of either. The
+/// server takes requests in turn, so it has finished those when it has served another program. A tool that was just
+/// being created never ends by itself and has to be killed as well.
 void KilledTest::waitUntilQuiet() const {
     const auto limit = std::chrono::steady_clock::now() + kToolLimit;
     bool done = false;
@@ -156,8 +156,8 @@ void KilledTest::expectNothingLost(const TreeSnapshot& before) {
 void KilledTest::expectNextRunCompletes(Source source) {
     const int code = runUpdater(source);
     if (code == 10) {
-        // Without the game, the updater or the list the folder is not taken for an installation, and nothing in it
-        // is touched: the recovery is still possible.
+        // Without the game, the updater or the list, the updater refuses the folder and touches nothing in it. The
+        // recovery is still possible.
         expectRecovery(source);
         return;
     }

@@ -4,15 +4,15 @@
 
 namespace vorthmere::end_to_end {
 
-/// Which events of the file system count the way to the moment at which the updater is killed.
+/// The events of the file system that are counted up to the moment of the kill.
 enum class Clock {
     run,           ///< all in the installation and the work folder: the whole run
     installation,  ///< files that move in the installation: the time in which it is not whole
 };
 
-/// Kills runs of the updater and looks at what they leave behind. Before the installation has begun nothing may be
-/// changed; from then on every file of both releases must still exist, and the next run, or the recovery that the
-/// README describes, must lead to a whole release.
+/// Kills runs of the updater and checks what they leave. Before the installation begins, nothing may have changed.
+/// After that, every file of both releases must still exist, and the next run, or the recovery that the README
+/// describes, must lead to a whole release.
 class KilledTest : public EndToEndTest {
 protected:
     KilledTest();
@@ -30,7 +30,7 @@ private:
     void expectNextRunCompletes(Source source);
     void expectRecovery(Source source);
 
-    int interrupted_ = 0;  ///< runs that left the installation neither the one nor the other release
+    int interrupted_ = 0;  ///< runs that left neither of the two releases whole
 };
 
 }  // namespace vorthmere::end_to_end

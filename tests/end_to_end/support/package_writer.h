@@ -8,7 +8,7 @@
 
 namespace vorthmere::end_to_end {
 
-/// One entry of an archive, its name taken exactly as written.
+/// One entry of an archive. Its name is used exactly as written.
 struct PackageEntry {
     enum class Kind { file, folder, symbolicLink, hardLink };
 

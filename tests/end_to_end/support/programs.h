@@ -6,7 +6,7 @@
 
 namespace vorthmere::end_to_end {
 
-/// The Windows programs that the tests use. All throw a sentence that says what to build when one is missing.
+/// The Windows programs that the tests use. When one is missing, these throw a sentence that says what to build.
 [[nodiscard]] std::filesystem::path updaterProgram();
 [[nodiscard]] std::filesystem::path gameProgram();
 [[nodiscard]] std::filesystem::path probeProgram();

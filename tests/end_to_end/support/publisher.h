@@ -17,21 +17,21 @@ struct ToolEnd {
 
 /// Runs the publishing tool.
 ///
-/// @param killAtCall the number of the call to the system, among those that change files, before which the program is
-///                   killed; 0 for never
+/// @param killAtCall kills the program before this call to the system, counted among those that change files; 0 for
+///                   never
 ToolEnd runPublisher(const std::vector<std::string>& arguments, unsigned killAtCall = 0);
 
-/// The tool for this system, for a test that starts it in a way of its own.
+/// The tool for this system, for a test that starts it in its own way.
 [[nodiscard]] std::filesystem::path publisherProgram();
 
-/// A command for ChildProcess that runs the tool which is tested: the one for this system, or with
-/// KVN_PUBLISHER=windows in the environment kvn-release.exe under Wine.
+/// A command for ChildProcess that runs the tested tool: the one for this system or, with KVN_PUBLISHER=windows in the
+/// environment, kvn-release.exe under Wine.
 [[nodiscard]] std::vector<std::string> publisherCommand(const std::vector<std::string>& arguments);
 
 /// A command for ChildProcess that runs kvn-release.exe under Wine.
 [[nodiscard]] std::vector<std::string> windowsPublisherCommand(const std::vector<std::string>& arguments);
 
-/// The command line of a build with the sample release's details, which takes any files as programs.
+/// The command line of a build with the sample release's details, which accepts any files as programs.
 [[nodiscard]] std::vector<std::string> buildArguments(std::uint32_t release, const std::filesystem::path& game,
                                                       const std::filesystem::path& channel);
 

@@ -9,7 +9,7 @@
 
 namespace vorthmere::end_to_end {
 
-/// nginx with the configuration of docs/publishing.md, taken from there, with the names of this machine in it.
+/// nginx with the configuration of docs/publishing.md, read from there, with the names of this machine in it.
 class DocumentedServer {
 public:
     /// @param root the folder that holds the channel folder "downloads"
@@ -23,7 +23,7 @@ private:
     std::unique_ptr<ChildProcess> nginx_;
 };
 
-/// What the test channel answers for some files, a line each, as tests/end_to_end/support/get_headers.py prints it.
+/// The test channel's answers for some files, a line each, as tests/end_to_end/support/get_headers.py prints them.
 /// Waits for a server that has just been started.
 [[nodiscard]] std::vector<std::string> answersFor(const std::vector<std::string>& names);
 

@@ -26,7 +26,7 @@ struct ManifestText {
 [[nodiscard]] std::string renderManifest(const ManifestText& manifest);
 [[nodiscard]] std::string renderInventory(const ManifestText& manifest, const ReleaseFiles& files);
 
-/// The files without which a folder is no installation stand last.
+/// The files without which a folder is no installation come last.
 [[nodiscard]] std::string renderManagedFileList(const ReleaseFiles& files);
 
 /// The paths in the order of that list.

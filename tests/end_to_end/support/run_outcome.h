@@ -7,7 +7,7 @@
 
 namespace vorthmere::end_to_end {
 
-/// What a run in the window came to.
+/// How a run in the window ended.
 struct RunOutcome {
     std::uint32_t exitCode = 0;
     std::string sentence;  ///< of a failure: the first line below the status

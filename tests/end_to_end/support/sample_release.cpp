@@ -32,12 +32,12 @@ ReleaseFiles filesThatStay() {
     return files;
 }
 
-/// The same program with other bytes at its end, where no loader looks.
+/// The same program with other bytes at its end, which no loader reads.
 std::string gameOf(const std::string& release) {
     return readFile(gameProgram()) + "release " + release;
 }
 
-/// Files of both releases, with content of their own in each.
+/// Files of both releases, with different content in each.
 void addChangingFiles(ReleaseFiles& files, const std::string& release) {
     files["Vorthmere.exe"] = {gameOf(release)};
     files["Readme.txt"] = {"Kelvane, release " + release + ".\n"};

@@ -34,7 +34,7 @@ struct PublishedRelease {
 [[nodiscard]] PublishedRelease publishByHand(const std::filesystem::path& channelFolder, const ReleaseFiles& files,
                                              std::uint32_t release);
 
-/// The same around whatever lies at the package's place.
+/// The same with whatever file lies at the package's path.
 [[nodiscard]] PublishedRelease publishPackage(const std::filesystem::path& channelFolder, const ReleaseFiles& files,
                                               std::uint32_t release);
 
@@ -48,13 +48,12 @@ struct ScenarioOptions {
     ReleaseFiles offered = sampleRelease42();
 };
 
-/// An update with few files of every kind, kept, changed, dropped and new ones, in folders that stay, go and come.
-/// Neither release holds programs: the new game cannot be started.
+/// An update with few files: kept, changed, dropped and new ones, in folders that stay, go and come. Neither release
+/// holds programs, so the new game cannot be started.
 [[nodiscard]] ScenarioOptions smallUpdate();
 
-/// A temporary folder with blanks in its name that holds an installation of a release 41 with a player's files in it,
-/// files beside the installation that are nobody's business, and a channel folder with a release 42. It is removed at
-/// the end of this object's life.
+/// A temporary folder with blanks in its name. It holds an installation of a release 41 with a player's files, files
+/// beside the installation that no run may touch, and a channel folder with a release 42. The destructor removes it.
 class Scenario {
 public:
     explicit Scenario(const ScenarioOptions& options = {});
@@ -79,11 +78,11 @@ public:
     /// The player's files in the installation, and everything in the scenario outside of it.
     [[nodiscard]] TreeSnapshot takeProtectedSnapshot() const;
 
-    /// Everything in the installation but the work folder.
+    /// Everything in the installation except the work folder.
     [[nodiscard]] TreeSnapshot takeInstallationSnapshot() const;
 
-    /// What distinguishes the installation's managed files from a release's: one line for each file that is missing,
-    /// different, or there although the release does not hold it. Empty when there is no difference.
+    /// How the installation's managed files differ from a release's: one line for each file that is missing, different,
+    /// or there although the release does not hold it. Empty when there is no difference.
     [[nodiscard]] std::string differencesFrom(const ReleaseFiles& files) const;
 };
 

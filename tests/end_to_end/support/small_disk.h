@@ -8,8 +8,7 @@
 
 namespace vorthmere::end_to_end {
 
-/// A file system of its own in memory whose free space and number of files a test decides. It is taken away at the end
-/// of this object's life.
+/// A file system in memory whose free space and number of files a test sets. The destructor unmounts it.
 class SmallDisk {
 public:
     SmallDisk();
@@ -26,7 +25,7 @@ public:
         return folder_.path();
     }
 
-    /// Leaves space for so many bytes, or for so many more files and folders, and no limit on the other.
+    /// Leaves space for this many bytes, or for this many more files and folders, and plenty of the other.
     void leaveBytes(std::uint64_t bytes);
     void leaveFiles(std::uint64_t files);
     void leaveEverything();

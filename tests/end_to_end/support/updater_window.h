@@ -43,20 +43,20 @@ public:
         return windowClass_;
     }
 
-    /// Has the probe carry out a command, described with the subcommand, and returns the lines of its answer.
+    /// Sends the probe a command, described with the subcommand, and returns the lines of its answer.
     std::vector<std::string> tell(const std::string& command);
 
     [[nodiscard]] WindowContent look();
 
-    /// Looks again and again until the content is the wanted one, at most for half a minute.
+    /// Looks again and again until the content is as wanted, for at most half a minute.
     ///
-    /// @return what was seen last
+    /// @return the content that was seen last
     WindowContent waitUntil(const std::function<bool(const WindowContent&)>& wanted);
 
     /// The rectangle of the client area.
     [[nodiscard]] ScreenArea clientArea();
 
-    /// Waits for the updater's end; "0x" and 8 digits.
+    /// Waits for the updater's end and returns its exit code as "0x" and 8 digits.
     [[nodiscard]] std::string exitCode();
 
 private:

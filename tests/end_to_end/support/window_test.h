@@ -16,7 +16,7 @@ protected:
     /// The command line of a run in the window.
     [[nodiscard]] UpdaterCommand windowCommand(Source source) const;
 
-    /// The same of a run that fails at once, with the exit code 11 and its sentence.
+    /// The command line of a run that fails at once, with the exit code 11 and its sentence.
     [[nodiscard]] UpdaterCommand failingCommand() const;
 
     UpdaterWindow openWindow(const UpdaterCommand& command);
@@ -24,10 +24,10 @@ protected:
     /// Opens the window of a failing run and waits until its button has the focus.
     UpdaterWindow openFailedWindow();
 
-    /// Opens the window of a run that keeps waiting for `game`, once it does.
+    /// Opens the window of a run and waits until the run waits for `game`.
     UpdaterWindow openBusyWindow(const OpenGame& game);
 
-    /// What the program did. To be called after its end. Without a process id, what the probe did as well.
+    /// The program's calls, to be read after its end. Without a process id, those of the probe as well.
     [[nodiscard]] CallTrace trace(const std::string& processId = {}) const {
         return CallTrace(traceFile_.path() / "trace.txt", processId);
     }
@@ -35,7 +35,7 @@ protected:
         return trace(window.processId());
     }
 
-    /// Where the next program is traced to, and how.
+    /// How to start a program so that its calls are traced.
     [[nodiscard]] ProcessOptions traced() const;
 
 private:

@@ -9,7 +9,7 @@
 
 namespace vorthmere::update::simulation {
 
-/// What follows an update when nothing disturbs any more: invariants 8 and 9.
+/// Checks what follows an update when nothing disturbs it any more: invariants 8 and 9.
 ///
 /// Many updates end in the same tree; each tree of a setting is followed up once.
 class Aftermath {

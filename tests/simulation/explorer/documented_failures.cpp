@@ -49,7 +49,7 @@ std::vector<std::string_view> split(std::string_view text, std::string_view sepa
     return parts;
 }
 
-/// The cells of the table that follows a heading, the table's own heading and line left out.
+/// The cells of the table that follows a heading, without the table's own heading and line.
 std::vector<std::vector<std::string_view>> tableAfter(std::string_view document, std::string_view heading) {
     const std::size_t begin = document.find(heading);
     if (begin == std::string_view::npos) throw std::runtime_error("No heading \"" + std::string(heading) + "\".");
@@ -73,7 +73,7 @@ bool isSentence(std::string_view text) {
     return !text.empty() && std::isupper(static_cast<unsigned char>(text.front())) != 0;
 }
 
-/// Those of a section's table, in their order.
+/// The sentences of a section's table, in their order.
 std::vector<std::string> sentencesOfSection(std::string_view document, std::string_view heading) {
     std::vector<std::string> sentences;
     for (const auto& row : tableAfter(document, heading))

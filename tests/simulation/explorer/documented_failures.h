@@ -12,7 +12,7 @@ class DocumentedFailures {
 public:
     /// Reads the document.
     ///
-    /// @throws std::runtime_error when it cannot be read or a row of its first table not understood
+    /// @throws std::runtime_error when it cannot be read or a row of its first table is not understood
     static DocumentedFailures read(const std::string& file);
 
     /// @param document its text

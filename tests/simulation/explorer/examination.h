@@ -14,16 +14,16 @@ namespace vorthmere::update::simulation {
 
 /// What one scenario showed.
 struct Finding {
-    std::vector<Breach> breaches;  ///< that nobody knows of
+    std::vector<Breach> breaches;  ///< without the known losses
     Outcome outcome;
 };
 
-/// Plays scenarios and holds them against everything that is promised.
+/// Plays scenarios and checks them against everything that is promised.
 class Examination {
 public:
     explicit Examination(const DocumentedFailures& documented) : documented_(documented), aftermath_(documented) {}
 
-    /// @param mustMeet so many planned actions, from the first on, have to happen
+    /// @param mustMeet this many planned actions, from the first on, have to happen
     /// @param twice    plays it again, which must give the same calls and the same tree
     [[nodiscard]] Finding examine(const Scenario& scenario, std::size_t mustMeet, bool twice);
 

@@ -47,7 +47,7 @@ std::optional<Scenario> oneFault(Tape& tape, Stock& stock) {
     return calm.with(atCall(call.number), *fault);
 }
 
-/// The ways on which files change places, and from which step on a failure leads back.
+/// The ways on which files change places, and the step from which on a failure leads to a rollback.
 constexpr std::array<std::pair<Way, std::wstring_view>, 2> kWaysWithWayBack = {
     std::pair(Way::incremental, kInstallingText),
     std::pair(Way::relaunchFails, kLaunchingText),
@@ -72,8 +72,8 @@ std::optional<Scenario> faultOnTheWayBack(Tape& tape, Stock& stock) {
     return harmed.with(atCall(second.number), *fault);
 }
 
-/// A new file is looked at as soon as it is there, and then the update is taken back: on a system on which a name stays
-/// as long as somebody holds the file.
+/// Another program opens a new file as soon as it is there, and then the update is rolled back, on a system on which a
+/// name stays as long as somebody holds the file.
 std::optional<Scenario> lookedAtOnTheWayBack(Tape& tape, Stock& stock) {
     const auto& [way, step] = tape.anyOf(kWaysWithWayBack);
     const Scenario calm{stock.setting(way, Profile::classicDelete), {}};
@@ -99,7 +99,7 @@ std::optional<Scenario> killed(Tape& tape, Stock& stock) {
     return calm.with(atCall(call.number), Kill{tape.anyOf(kExtents)});
 }
 
-/// The process ends on the way back.
+/// The process ends during the rollback.
 std::optional<Scenario> killedOnTheWayBack(Tape& tape, Stock& stock) {
     const Scenario calm{stock.setting(Way::incremental), {}};
     const Outcome& good = stock.outcomeOf(calm);
@@ -128,7 +128,7 @@ std::optional<Scenario> withoutPower(Tape& tape, Stock& stock) {
     return calm.with(atCall(call.number), PowerLoss{tape.coin() ? Extent::whole : Extent::none, anyFates(tape)});
 }
 
-/// How many calls later something ends that lasts; 0: never.
+/// After how many calls a lasting intrusion ends; 0: never.
 constexpr std::array<std::size_t, 3> kLasting = {0, 1, 4};
 
 Scenario disturbed(const Scenario& scenario, std::size_t call, const Intrusion& intrusion, Tape& tape) {
@@ -160,7 +160,7 @@ Scenario drawnSetting(Tape& tape) {
 
 enum class Event : std::uint8_t { fault, intrusion, kill, powerLoss };
 
-/// The same call also when others come before it.
+/// A trigger that finds the same call even when others come before it.
 Trigger likeCall(const std::vector<Call>& calls, const Call& call) {
     const auto isAlike = [&call](const Call& other) {
         return other.operation == call.operation && other.subject == call.subject;

@@ -16,7 +16,7 @@ struct Exploration {
     std::string_view name;
     bool isExhaustible;    ///< every one of them can be visited; else they are drawn
     bool isAlwaysWhole;    ///< so few that none is left out
-    std::size_t mustMeet;  ///< so many planned actions, from the first on, have to happen
+    std::size_t mustMeet;  ///< this many planned actions, from the first on, have to happen
 
     /// Nothing for choices that make no scenario.
     std::optional<Scenario> (*choose)(Tape& tape, Stock& stock);

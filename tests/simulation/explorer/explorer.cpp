@@ -16,7 +16,7 @@ double secondsSince(std::chrono::steady_clock::time_point begin) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
-/// What a finding is like, so that the same is not told again and again.
+/// The kind of a finding, so that the same kind is reported only once.
 std::string kindOf(const Finding& finding, std::size_t exploration) {
     std::string kind = std::to_string(exploration);
     if (!finding.breaches.empty()) {
@@ -59,8 +59,8 @@ bool Explorer::draw(Visit& visit, const Amount& amount) {
     return true;
 }
 
-// With a time to fill, all scenarios are counted again and again, each time other ones are visited: a visit that is cut
-// off has seen a part of everything.
+// With a time to fill, all scenarios are counted again and again, and each time other ones are visited. So a run that
+// is cut off has seen a part of everything.
 bool Explorer::count(Visit& visit, const Amount& amount) {
     const Exploration& exploration = explorations()[visit.exploration];
     const std::size_t stride = amount.seconds ? kStrideOfTime : std::max<std::size_t>(amount.everyNth, 1);

@@ -7,7 +7,7 @@
 
 namespace vorthmere::update::simulation {
 
-/// What a run must say when one call of one of its steps fails: not any documented sentence, this one.
+/// The sentence that a run must show when a certain call of a certain step fails. No other documented one will do.
 struct FittingSentence {
     Operation operation;
     std::wstring_view step;  ///< the last one that was reported before the call

@@ -9,8 +9,8 @@
 
 namespace vorthmere::update::simulation {
 
-/// What another program may do just before a call, to what the call is about or to its folder. The choices: which of
-/// the paths, what is done.
+/// What another program may do just before a call, to the call's paths or their folders. The choices are the path and
+/// the deed.
 ///
 /// @return nothing when the call is about no path
 [[nodiscard]] std::optional<Intrusion> anyIntrusion(Tape& tape, const Call& call);

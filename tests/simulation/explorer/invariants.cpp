@@ -173,7 +173,7 @@ private:
                 broken("3 told", key, node.path + " was left in the work folder");
     }
 
-    // What else lay there would come back with a recovery.
+    // A recovery would bring back anything else that lies there.
     void backupIsExact() {
         const std::string folder = treeKeyOf(place::kBackup) + "/";
         for (const auto& [key, node] : outcome_.after) {

@@ -12,18 +12,17 @@ namespace vorthmere::update::simulation {
 ///
 ///  1 untouched: what no list names, and all outside the installation, keeps its content, its attributes and the case
 ///    of its name; no folder comes or goes. The work folder is the updater's own.
-///  2 kept: each old file is in the installation or in the backup until the new release is whole, and after it; each
-///  new
-///    one is in the staging folder or in the installation from the first move on.
+///  2 kept: each old file is in the installation or in the backup until the new release is whole, and afterwards. From
+///    the first move on, each new file is in the staging folder or in the installation.
 ///  3 told: the code says what is installed. 0: exactly the new release, letter case included. 10 to 26: nothing in the
 ///    installation changed. 27, 28: the old release, to the last folder; 28 with the sentence that the previous build
 ///    could not be restored: the new release.
 ///  4 documented: code and sentence are a pair of docs/failures.md, and the one that fits where a single fault was met
 ///    (fitting_sentences.h). An exception is one of a status query.
-///  5 reported: a fault that was met does not end in 0, but where absorbed_faults.h says why.
+///  5 reported: a fault that was met does not end in 0, except where absorbed_faults.h says why.
 ///  6 returned: the run ends, leaves no handle open and no child running, and closes nothing twice.
-///  7 steady: the number of calls grows with the number of files and no faster. The percentage never falls, but where
-///    the complete package is begun.
+///  7 steady: the number of calls grows with the number of files and no faster. The percentage never falls, except
+///    where the complete package is begun.
 ///  8 converges: the next run, unharmed, completes, or ends with 10 and changes nothing.
 ///  9 recoverable: after any end in between, the steps of README.md bring each old file back, and an update after them
 ///    completes.

@@ -54,7 +54,7 @@ bool isOverlooked(const Outcome& outcome, const Breach& breach) {
     });
 }
 
-// The swapped installation after a relaunch that failed, when it takes itself back.
+// The swapped installation after a failed relaunch, when it is rolled back itself.
 
 bool isFailedSwap(const Outcome& outcome, const Breach& breach) {
     const bool isSwapping = std::any_of(outcome.calls.begin(), outcome.calls.end(), [](const Call& call) {
@@ -64,7 +64,7 @@ bool isFailedSwap(const Outcome& outcome, const Breach& breach) {
            (isInvariant(breach, '2') || isInvariant(breach, '9'));
 }
 
-// What stood in the place of a new file belongs to no release, so that the swapped installation does not bring it back.
+// A file that stood in a new file's place belongs to no release, so the swapped installation does not bring it back.
 
 bool isPlayersUnderNewFile(const Outcome& outcome, const Breach& breach) {
     const ReleasePair& releases = outcome.scenario.setting->releases;
@@ -120,7 +120,7 @@ bool isFileUnderNewFolder(const Outcome& outcome, const Breach& breach) {
            });
 }
 
-// A link that the system does not tell.
+// A link that the system does not report.
 
 bool isUntoldLink(const Outcome& outcome, const Breach&) {
     const Tree& before = outcome.scenario.setting->before;
@@ -139,7 +139,7 @@ bool isLater(const Outcome& outcome, const PlannedAction& planned) {
     const bool isLink = intrusion->kind == Intrusion::Kind::plantJunction ||
                         intrusion->kind == Intrusion::Kind::plantFileLink ||
                         intrusion->kind == Intrusion::Kind::plantFolderLink;
-    // The way back is not tested at all, even when a link is what it began with.
+    // The rollback does not test for links at all, even when a link was what began it.
     const bool isTakenBack = WayBack(outcome).begin() < outcome.calls.size();
     return isLink && (isTakenBack || std::none_of(outcome.calls.begin(), outcome.calls.end(), [&](const Call& call) {
                           return call.number >= planned.trigger.number &&
@@ -205,7 +205,7 @@ bool isNowhere(const Tree& tree, std::string_view content) {
     });
 }
 
-/// The first call after a number of moves that is like the one that is wanted; the last call when there is none.
+/// The first wanted call after this many moves; the last call when there is none.
 Trigger firstCall(const Outcome& good, std::size_t moves, bool (*isWanted)(const Call&)) {
     std::size_t number = good.firstCallOf(kInstallingText);
     for (std::size_t moved = 0; number + 1 < good.calls.size(); ++number) {

@@ -8,11 +8,10 @@
 
 namespace vorthmere::update::simulation {
 
-/// Something that is lost under a fault, is known, and stays. It has to go on happening: a loss that no longer does is
-/// to be taken off the list.
+/// A known loss under a fault. It has to keep happening: a loss that no longer happens must leave the list.
 struct KnownLoss {
     std::string_view name;
-    std::string_view document;  ///< what says so to the people concerned
+    std::string_view document;  ///< where the people concerned read about it
     std::string_view why;
 
     /// True when a breach of this outcome is this loss.

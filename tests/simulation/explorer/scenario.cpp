@@ -61,7 +61,7 @@ Arguments argumentsOf(Way way, std::uint32_t installed) {
     return arguments;
 }
 
-/// What lies around, under the same names as in the game, so that whatever goes astray shows.
+/// Puts files outside the game under the same names as in it, so that a change in the wrong place shows.
 void putSurroundings(Machine& machine, const ReleasePair& releases) {
     putFiles(machine, place::kElsewhere, releases.installed.files);
     machine.files.putFile(std::string(place::kElsewhere) + "/data/kept elsewhere.txt", contentOf("kept elsewhere"));
@@ -95,7 +95,7 @@ std::string objectOf(const Release& release, std::string_view path) {
 
 constexpr std::size_t kTooMuchOutput = 300000;
 
-/// What is special about a way.
+/// Prepares what is special about a way.
 void prepare(Machine& machine, Way way, const ReleasePair& releases) {
     const std::string installation(place::kInstallation);
     switch (way) {

@@ -34,7 +34,7 @@ enum class Way : std::uint8_t {
 };
 inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::unlistedFile) + 1;
 
-/// The first ones, on which most goes on; each of the others differs in one step.
+/// The number of the first ways, on which most happens. Each of the others differs in one step.
 inline constexpr std::size_t kMainWays = static_cast<std::size_t>(Way::relaunchFails) + 1;
 
 /// How an update on this way ends when nothing disturbs it.

@@ -15,7 +15,7 @@ public:
     /// The sample releases' setting.
     [[nodiscard]] const SettingPointer& setting(Way way, Profile profile = Profile::posixDelete);
 
-    /// How a scenario of a setting from here goes.
+    /// The outcome of a scenario whose setting comes from here.
     [[nodiscard]] const Outcome& outcomeOf(const Scenario& scenario);
 
 private:

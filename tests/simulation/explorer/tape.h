@@ -49,9 +49,9 @@ public:
         return taken_;
     }
 
-    /// The record after this one, counted up like an odometer; nothing after the last.
+    /// The record after this one, counted up like an odometer; nothing after the last record.
     ///
-    /// @param fixed so many leading numbers stay as they are
+    /// @param fixed this many leading numbers stay as they are
     [[nodiscard]] std::optional<Choices> next(std::size_t fixed = 0) const;
 
 private:
@@ -66,7 +66,7 @@ private:
 
 /// A smaller record for which `fails` still holds: shorter, or with lower numbers.
 ///
-/// @param fixed so many leading numbers stay as they are
+/// @param fixed this many leading numbers stay as they are
 /// @param tries most calls of `fails`
 [[nodiscard]] Choices shrunk(Choices choices, std::size_t fixed, std::size_t tries,
                              const std::function<bool(const Choices&)>& fails);

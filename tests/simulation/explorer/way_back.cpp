@@ -70,8 +70,8 @@ bool isMove(const Call& call, std::string_view from, std::string_view to) {
            isAtOrBelow(treeKeyOf(call.second), treeKeyOf(to));
 }
 
-/// The first call at or after `from` that moves a file to where an installation takes it from. Some ways back begin
-/// without a call that fails: with a link that is seen, or a folder in a file's place.
+/// The first call at or after `from` that moves a file to where an installation takes it from. Some rollbacks begin
+/// without a failed call: with a link that is seen, or a folder in a file's place.
 std::size_t firstReturn(const std::vector<Call>& calls, std::size_t from, bool isSwapped) {
     const std::string_view source = isSwapped ? place::kBackup : place::kStaging;
     const std::string_view backup = isSwapped ? place::kStaging : place::kBackup;
@@ -100,7 +100,7 @@ bool relativeKeyOf(std::string_view path, std::string& relative) {
     return false;
 }
 
-// A relaunch that fails begins the swapped installation; only what fails in that one can begin a way back then.
+// A failed relaunch begins the swapped installation. Then only a failure in that one can begin a rollback.
 WayBack::WayBack(const Outcome& outcome) {
     const std::vector<Call>& calls = outcome.calls;
     const std::size_t relaunch = failedRelaunch(outcome);

@@ -9,19 +9,19 @@
 
 namespace vorthmere::update::simulation {
 
-/// What went wrong while files changed places, read from the calls.
+/// What went wrong while files changed places, read from the calls. The way back is the rollback of an installation.
 class WayBack {
 public:
     explicit WayBack(const Outcome& outcome);
 
-    /// Number of the call that began the way back, by its failure or by what it told; the number of all calls when there
-    /// was none.
+    /// Number of the call that began the way back, by its failure or by its result; the number of all calls when there
+    /// was no way back.
     [[nodiscard]] std::size_t begin() const {
         return begin_;
     }
 
-    /// True when a call of the way back that the plan made fail, or that another program hindered, explains why a path is not as it was: it named that path, one below it
-    /// or a folder that leads there.
+    /// True when a failed call of the way back explains why a path is not as it was: the plan made the call fail, or
+    /// another program hindered it, and it named that path, one below it or a folder that leads there.
     ///
     /// @param key of a path in the installation
     [[nodiscard]] bool explains(std::string_view key) const;

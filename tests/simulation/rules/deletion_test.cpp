@@ -5,7 +5,7 @@
 namespace vorthmere::update::simulation {
 namespace {
 
-/// A file that another program holds and lets others delete is deleted.
+/// A desk on which a file was deleted while another program holds it and lets others delete it.
 Machine deskWithDeletedFile(Profile profile, HandleId& holder) {
     Machine machine = desk(profile);
     holder = held(machine, "folder/inner", access::read, access::all);

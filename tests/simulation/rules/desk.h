@@ -11,7 +11,7 @@
 
 namespace vorthmere::update::simulation {
 
-/// A machine on which each kind of entry lies in C:/Desk, and a second volume, D:.
+/// A machine with each kind of entry in C:/Desk, and a second volume, D:.
 [[nodiscard]] inline Machine desk(Profile profile = Profile::posixDelete) {
     Machine machine(profile);
     Volume stick;
@@ -42,14 +42,14 @@ namespace vorthmere::update::simulation {
     return machine;
 }
 
-/// What one call is told.
+/// A call and the error that it must give.
 struct Case {
     std::string what;
     std::function<Error(FileSystem&)> call;
     Error expected = error::none;
 };
 
-/// Each on a desk of its own.
+/// Tries each case on its own desk.
 inline void expectAll(const std::vector<Case>& cases, Profile profile = Profile::posixDelete) {
     for (const Case& each : cases) {
         Machine machine = desk(profile);
@@ -67,7 +67,7 @@ inline void expectAll(const std::vector<Case>& cases, Profile profile = Profile:
     return view ? view->path : "(none)";
 }
 
-/// Another program opens a file on the desk and keeps it open.
+/// Lets another program open a file on the desk and keep it open.
 inline HandleId held(Machine& machine, const std::string& name, unsigned access, unsigned sharing) {
     const ProcessId caller = std::exchange(machine.files.caller, machine.otherProgram);
     HandleId file = 0;

@@ -42,7 +42,7 @@ TEST(SimulatedInternet, SplitsAddresses) {
     }
 }
 
-/// A request of "https://host/a", with what leads to it.
+/// A request of "https://host/a", with its session and connection.
 struct Request {
     HandleId session = 0;
     HandleId connection = 0;

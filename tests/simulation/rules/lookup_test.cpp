@@ -8,7 +8,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-/// The attributes of an entry, or the error in the upper half.
+/// The error of asking for an entry's attributes.
 Error ask(const FileSystem& files, std::string_view path) {
     std::uint32_t attributes = 0;
     return files.entryAttributes(path, attributes);

@@ -1,5 +1,5 @@
-// The child of tests that start programs: as the archive tool it does what its arguments say, as the game, without
-// arguments, it tells how it was started.
+// The child program that tests start. With arguments it is the archive tool and does what they say. Without arguments
+// it is the game and reports how it was started.
 #include <windows.h>
 // windows.h has to come first.
 #include <fcntl.h>
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Longest that the program waits for anything, so that a failed test leaves nothing running.
+/// The longest that the program waits for anything, so that a failed test leaves nothing running.
 constexpr DWORD kLongestWaitMs = 200000;
 
 std::string toUtf8(const std::wstring& text) {
@@ -39,7 +39,7 @@ std::wstring environmentVariable(const wchar_t* name) {
     return value;
 }
 
-/// Pipes that can be read from here, standard input apart: this program opens none, so they were inherited.
+/// Counts the readable pipes except standard input. This program opens none, so they were inherited.
 int countReadablePipes() {
     constexpr std::size_t handlesLookedAt = 1024;
     int pipes = 0;
@@ -69,7 +69,7 @@ void waitForEvent(const std::wstring& name) {
     if (event) WaitForSingleObject(event, kLongestWaitMs);
 }
 
-/// The report appears under its final name only when it is complete, and before the game waits, if it is to.
+/// The report gets its final name when it is complete, before the game waits for an event.
 int playGame() {
     const std::wstring program = programPath();
     const std::wstring folder = program.substr(0, program.find_last_of(L'\\') + 1);
@@ -91,7 +91,7 @@ void print(std::size_t count) {
     std::fflush(stdout);
 }
 
-/// Puts a handle of this process into the one that started it, and the handle's value into a file.
+/// Duplicates a handle of this process into its parent, and writes the handle's value to a file.
 void handOverProcess(DWORD parentProcessId, const wchar_t* file) {
     const HANDLE parent = OpenProcess(PROCESS_DUP_HANDLE, FALSE, parentProcessId);
     HANDLE own = nullptr;

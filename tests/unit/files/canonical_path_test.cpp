@@ -9,7 +9,7 @@ namespace {
 
 using testing::TemporaryFolder;
 
-// The rest is in tests/contract, which has no current folder of its own.
+// The other tests are in tests/contract, which has no current folder.
 TEST(CanonicalPath, AbsolutePathIsRelativeToTheCurrentFolderAndFoldsDots) {
     const TemporaryFolder folder;
     const std::filesystem::path before = std::filesystem::current_path();

@@ -10,7 +10,7 @@ namespace {
 using testing::TemporaryFolder;
 using testing::writeFile;
 
-// What tests/contract cannot show: it has no devices by their own names, and no content of that size.
+// tests/contract cannot show these: it has neither paths of devices nor files of that size.
 
 TEST(FileStatus, ADeviceIsNeitherFileNorFolder) {
     std::error_code failure;

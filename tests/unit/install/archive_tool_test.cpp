@@ -117,14 +117,14 @@ TEST_F(ArchiveToolTest, AToolWithExcessiveOutputIsTerminatedWithCodeNineAndNotWa
     EXPECT_EQ(exitCode, 9u);
 }
 
-// The tool closes its output and goes on running: only the wait for its end can keep the call from returning.
+// The tool closes its output and continues: only the wait for its end can keep the call from returning.
 TEST_F(ArchiveToolTest, AToolThatHasClosedItsOutputButGoesOnRunningKeepsTheCallWaiting) {
     const testing::NamedEvent mayEnd;
     const std::filesystem::path closed = folder / L"closed";
     std::atomic<bool> released = false;
     std::thread releaser([&] {
         const bool toolIsReady = testing::waitForFile(closed);
-        // Time in which a call that does not wait returns.
+        // Long enough for a call that does not wait to return.
         Sleep(300);
         released = toolIsReady;
         mayEnd.set();

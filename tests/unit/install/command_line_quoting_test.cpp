@@ -16,9 +16,9 @@ namespace {
 
 using Words = std::vector<std::wstring>;
 
-// The platform's rules for what follows the program: blanks outside quotes separate; 2n backslashes before a quote are
-// n backslashes and the quote opens or closes; 2n+1 are n backslashes and a literal quote; a quote straight behind a
-// closing one is literal.
+// The platform's rules for the arguments after the program: blanks outside quotes separate them; 2n backslashes before
+// a quote are n backslashes, and the quote opens or closes; 2n+1 are n backslashes and a literal quote; inside quotes,
+// two quotes are one literal quote.
 Words splitByTheRules(const std::wstring& text) {
     Words words;
     std::size_t i = 0;
@@ -108,7 +108,7 @@ TEST(CommandLineQuoting, WritesQuotesAndEscapesOnlyWhatNeedsThem) {
     }
 }
 
-// Every text of up to five characters out of those that mean something, and one that does not.
+// Every text of up to five characters from an alphabet of three that have a meaning and one that has none.
 TEST(CommandLineQuoting, IsReadBackExactlyForEveryShortText) {
     const std::wstring alphabet = L"\\\" a";
     Words texts = {L""};

@@ -86,7 +86,7 @@ TEST_F(ExtractedTreeTest, AnEmptyFolderWithAnUnsafeNameIsNotJudged) {
 }
 
 TEST_F(ExtractedTreeTest, APathOfExactlyTheLongestLengthIsAcceptedAndOneByteMoreRefused) {
-    // So near to the drive's root that the whole path stays below the platform's own limit.
+    // So close to the drive's root that the whole path stays below the platform's own limit.
     staging = L"C:\\k" + std::to_wstring(GetCurrentProcessId());
     const std::wstring folderName(119, L'd');
     writeFile(staging / folderName / std::wstring(120, L'f'), "");
@@ -108,7 +108,7 @@ TEST_F(ExtractedTreeTest, ALinkEndsTheWalkWithSuccessAndNothingBehindItIsRecorde
     EXPECT_TRUE(linked.targetIsWhole());
 }
 
-// Whatever the order in which the folder lists its entries, files are missing from the set: the link and all behind it.
+// In whatever order the folder lists its entries, the set lacks the link and every entry listed after it.
 TEST_F(ExtractedTreeTest, ALinkAmongFilesLeavesTheSetIncompleteAndUnsafeNamesBehindItUnseen) {
     const TemporaryFolder outside;
     std::filesystem::create_directories(staging);
@@ -136,7 +136,7 @@ TEST_F(ExtractedTreeTest, ANameThatOrdinaryCallsWouldAlterIsTakenAsItIs) {
     writeFile(staging / L"file", "");
     const std::filesystem::path dotted = testing::extendedPath(staging / L"file.");
     ASSERT_TRUE(MoveFileW((staging / L"file").c_str(), dotted.c_str()));
-    // Wine names an open file without a last dot.
+    // Wine leaves out the last dot of an open file's name.
     EXPECT_EQ(inspect(), testing::runsUnderWine());
     EXPECT_EQ(error, testing::runsUnderWine() ? kEarlierError : L"The extracted update contains an unsafe path.");
     ASSERT_TRUE(MoveFileW(dotted.c_str(), testing::extendedPath(staging / L"NUL .txt").c_str()));

@@ -117,7 +117,7 @@ TEST_F(InstallWithBackupTest, TheWayBackRemovesTheFoldersThatWereMadeAndNoOthers
 }
 
 TEST_F(InstallWithBackupTest, ANewFileThatIsHeldForDeletionLeavesItsPlaceForTheOldOne) {
-    // A scanner that lets others delete and rename the file, but keeps its name taken when it is only deleted.
+    // A scanner that lets others delete and rename the file. If the file is only deleted, its name stays taken.
     const HeldFile scanner(source / "Vorthmere.exe", FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
     EXPECT_FALSE(run(oldList, {"Vorthmere.exe", "missing"}));
     expectNothingChanged();
@@ -325,7 +325,7 @@ TEST_F(InstallWithBackupTest, TheSwappedCallFailsForAPathThatWasNeverBackedUpAnd
     EXPECT_EQ(readTree(install), with(newFiles, unmanaged));
 }
 
-// Its volume was taken away, say: every path in it is "not found" then, and nothing was moved to a safe place.
+// For example, its volume was removed: then every path in it is "not found", but nothing was backed up.
 TEST_F(InstallWithBackupTest, AnInstallationThatVanishedIsNotOneWithoutFiles) {
     std::filesystem::rename(install, folder / "taken away");
     try {

@@ -15,7 +15,7 @@
 namespace vorthmere::update {
 namespace {
 
-/// Handles that are numbers, 0 standing for none.
+/// Handles that are numbers; 0 means none.
 struct NumberTraits {
     using Type = int;
     static inline std::vector<int> closed;
@@ -62,7 +62,7 @@ TEST_F(UniqueHandleTest, ClosesNothingWhenItHoldsNone) {
 
 TEST_F(UniqueHandleTest, EveryHandleOfThePlatformKeepsTheLastErrorWhenItCloses) {
     const auto closeWrongHandle = [](auto handle) {
-        // What closes nothing reports an error of its own.
+        // Closing a handle that is not open sets an error.
         SetLastError(ERROR_ACCESS_DENIED);
         handle.reset(reinterpret_cast<void*>(0x123454));
         handle.reset();

@@ -5,9 +5,8 @@
 
 namespace {
 
-// Writes over what the protector has put behind the array, and no farther: the frames of the callers, in which Windows
-// looks for handlers, stay whole. Size and pointer are volatile, so that the compiler neither sees the mistake nor
-// leaves it out.
+// Overwrites what the protector put after the array, and no more: the callers' frames, in which Windows looks for
+// handlers, stay whole. Size and pointer are volatile, so that the compiler neither sees the mistake nor removes it.
 [[gnu::noinline]] void writeBehindTheEndOfALocalArray() {
     volatile char array[16];
     volatile char* volatile target = array;
@@ -16,7 +15,7 @@ namespace {
         target[i] = 'x';
 }
 
-// The protector ends the program by an illegal instruction. Without it the program goes on, or to a wrong address.
+// The protector ends the program by an illegal instruction. Without it the program continues or jumps elsewhere.
 bool endedByTheProtector(int exitCode) {
     return static_cast<DWORD>(exitCode) == EXCEPTION_ILLEGAL_INSTRUCTION;
 }

@@ -12,7 +12,7 @@ std::wstring given(const std::wstring& path) {
     return SystemPath(path).text();
 }
 
-/// A path of so many characters.
+/// A path of `length` characters that starts with `begin`.
 std::wstring pathOfLength(const std::wstring& begin, std::size_t length) {
     std::wstring path = begin;
     while (path.size() + 2 < length)

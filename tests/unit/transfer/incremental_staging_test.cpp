@@ -55,7 +55,7 @@ protected:
         EXPECT_FALSE(std::filesystem::exists(work / L"transfer.txt"));
     }
 
-    /// Makes the release one of other files, with inventory and objects to match.
+    /// Replaces the release's files, and its inventory and objects to match.
     void publish(const FileTree& files) {
         newFiles = files;
         release.entries = entriesOf(files);
@@ -121,7 +121,7 @@ TEST_F(IncrementalStagingTest, PercentagesOfKnownSizesAreTruncated) {
                                           {"z.pak", std::string(43, 'd')}}));
     writeFile(install / "KVN_MANAGED_FILES.txt", newFiles.at("KVN_MANAGED_FILES.txt"));
     ASSERT_TRUE(stage()) << error;
-    // 0, 50, 150 and 157 of 200 bytes; 65 parts: 0, 16.25, 48.75 and 51.025.
+    // 0, 50, 150 and 157 of 200 bytes are 0, 16.25, 48.75 and 51.025 of the 65 percent.
     EXPECT_EQ(progress.steps(), (Steps{{L"Checking installed files...", 9},
                                        {L"Downloading changed files (1 of 4)...", 12},
                                        {L"Downloading changed files (2 of 4)...", 28},
@@ -284,7 +284,7 @@ TEST_F(IncrementalStagingTest, AnObjectOfTheWrongSizeOrContentFailsVerification)
 }
 
 TEST_F(IncrementalStagingTest, AReusedFileIsVerifiedWhereItWasPut) {
-    // The file changes behind the check of the installation, when the first object is fetched.
+    // The file changes after the check of the installation, when the first object is fetched.
     progress.at(L"Downloading changed files (1 of 4)...",
                 [this] { writeFile(install / "data/same in every release.pak", std::string(3000, 'x')); });
     expectFailure(kVerificationFailed);

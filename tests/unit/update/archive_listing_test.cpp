@@ -79,7 +79,7 @@ TEST(ArchiveListing, CountsNoBlankLines) {
     expectRefused("\n\r\n" + numberedEntries(2048) + "\n\na", kUnsafe);
 }
 
-// A listing only says what is in the package; a name that stands twice is found when the files are unpacked.
+// A listing only names what the package holds. If a name stands twice, its last file remains after unpacking.
 TEST(ArchiveListing, AcceptsANameThatStandsTwice) {
     expectAccepted("a\na\n");
 }

@@ -84,9 +84,10 @@ Entries expectAccepted(const Lines& lines) {
     return expectAccepted(joinLines(lines));
 }
 
-// The sample's five records, which sum up to this, and as many others of size 1 as it takes.
+// The sum of the sizes in the sample's five records.
 constexpr std::uint64_t kSampleBytes = 5010;
 
+// The sample's five records and others of size 1, `count` in all.
 Lines inventoryOf(std::size_t count) {
     Lines lines = kValid;
     while (lines.size() < kHeader.size() + count)
@@ -359,7 +360,7 @@ TEST(FileInventory, RequiresTheFilesOfEveryManagedFileListExactly) {
     expectRefused(withLine(kValid, "KVNUpdater.exe\t", record("kvnupdater.exe")), kListMissing);
 }
 
-// The paths, each with a line feed, make up the managed-file list of the release and must fit into one.
+// The paths, each with a line feed, make up the release's managed-file list and must not exceed its limit.
 TEST(FileInventory, AcceptsPathsThatFillAManagedFileListExactly) {
     std::size_t bytes = 0;
     for (const InventoryEntry& entry : sampleEntries())

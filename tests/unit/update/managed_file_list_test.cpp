@@ -37,7 +37,7 @@ Lines expectAccepted(const std::string& text) {
     return paths;
 }
 
-// The three required files and as many others as it takes.
+// The three required files and others, `count` in all.
 Lines listOf(std::size_t count) {
     Lines paths = kRequired;
     while (paths.size() < count)

@@ -116,7 +116,7 @@ TEST(ManagedPath, AcceptsNamesThatOnlyBeginOrEndLikeADevice) {
                 "COM.1",  "aCOM1", "KOM1",    "COX1",    "CAM1",     "LPS1",  "LAT1",  "MPT1",   "COM1 a"});
 }
 
-// The device test looks at what stands before the first dot; a name of its own behind it is no device.
+// Only the text before the first dot can name a device.
 TEST(ManagedPath, JudgesDeviceNamesByTheStemOnly) {
     expectUnsafe({"aux.json", "Nul.tar.gz", "com1.log", "prn.a.b.c"});
     expectSafe({"my.aux", "json.aux", "tar.com1", "a.nul.b"});

@@ -401,7 +401,7 @@ TEST(Manifest, TakesExactlyTheNameBytesBehindTheArchiveAddressPrefix) {
     }
 }
 
-// For every two fields, in both orders: both are bad, and the one whose line comes first is named.
+// For every two bad fields in both orders, the field whose line comes first is named.
 TEST(Manifest, NamesTheFieldWhoseLineComesFirst) {
     for (const FieldFault& first : kFieldFaults) {
         for (const FieldFault& second : kFieldFaults) {

@@ -115,7 +115,7 @@ TEST(MetadataFile, IsReadThroughALink) {
     expectBadSize(folder / "dangling", 8192);
 }
 
-// From here on every call of the calling thread with this number fails.
+// Makes every later system call with this number fail on the calling thread.
 bool makeSystemCallFail(unsigned int number, int errorCode) {
     sock_filter filter[] = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
                             BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 1),
@@ -125,7 +125,7 @@ bool makeSystemCallFail(unsigned int number, int errorCode) {
     return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
 }
 
-// The size can still be asked for, but no file can be opened, whoever runs the tests.
+// The size can still be read, but no file can be opened, whichever user runs the tests.
 TEST(MetadataFile, SaysSoWhenItCannotBeOpened) {
     const TemporaryFolder folder;
     writeFile(folder / "file", "content");

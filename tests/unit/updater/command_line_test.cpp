@@ -192,7 +192,7 @@ TEST(CommandLine, TakesValuesThatBeginWithOneDashOrAreEmpty) {
     EXPECT_TRUE(expectAccepted({L"--apply", L"--install", L"", L"--current", L"42"}).arguments.install.empty());
 }
 
-// Elsewhere the library converts wide paths by the locale, in which these letters need not exist.
+// Outside Windows, the library converts wide paths by the locale, which may lack these letters.
 #ifdef _WIN32
 TEST(CommandLine, KeepsWidePathsAsWritten) {
     const std::wstring folder = L"C:\\Spiele \x00f6\x4e16\\Kelvane";

@@ -11,7 +11,7 @@ namespace {
 
 using testing::RecordedProgress;
 
-/// What one count of bytes is reported as.
+/// The step that one count of bytes is reported as.
 RecordedProgress::Step reported(std::uint64_t packageSize, std::uint64_t received, std::uint64_t expected) {
     Manifest manifest;
     manifest.size = packageSize;

@@ -1,4 +1,4 @@
-// Takes the two minutes for which the updater waits, hence a program of its own that runs beside the other tests.
+// Takes two minutes, as long as the updater waits, so it is a separate program that runs beside the other tests.
 #include <windows.h>
 
 #include <gtest/gtest.h>

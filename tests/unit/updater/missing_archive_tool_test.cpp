@@ -1,4 +1,4 @@
-// Takes the archive tool away from everything that runs in this Windows, so it runs alone.
+// Removes the archive tool for every program of this Windows, so it runs alone.
 #include <windows.h>
 
 #include <gtest/gtest.h>

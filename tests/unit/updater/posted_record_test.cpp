@@ -10,7 +10,7 @@
 namespace vorthmere::update {
 namespace {
 
-/// A record that knows how many of its kind there are.
+/// A record that counts how many of its kind exist.
 struct CountedRecord {
     static constexpr UINT kMessage = WM_APP + 3;
     static inline std::atomic<int> living = 0;

@@ -28,7 +28,7 @@ std::wstring textOf(HWND control) {
     return text;
 }
 
-/// The progress window in this process, its messages sent by the test.
+/// The progress window in this process. The test sends its messages.
 class ProgressWindowTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
@@ -307,11 +307,11 @@ TEST_F(ProgressWindowTest, RecordsThatAreShownLeaveNothingOnTheHeap) {
     postMany(1000);
     const std::size_t before = testing::heapInUse();
     postMany(4000);
-    // Less than a byte a record: what the platform keeps for itself varies a little.
+    // Less than a byte a record: the platform's own memory varies a little.
     EXPECT_LT(testing::heapInUse(), before + 4000);
 }
 
-/// Asks the window from another thread, again and again, and notes how long the answers take.
+/// Sends messages to the window until `enough` is set, and returns how long each answer took.
 std::vector<std::chrono::microseconds> askUntil(const std::atomic<bool>& enough, HWND window) {
     std::vector<std::chrono::microseconds> answers;
     while (!enough) {

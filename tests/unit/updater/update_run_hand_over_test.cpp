@@ -30,7 +30,7 @@ constexpr const wchar_t* kDone = L"Update complete. Welcome back, pilot.";
 
 class UpdateRunHandOverTest : public testing::UpdateRunTest {
 protected:
-    /// A release whose game can be started.
+    /// Publishes a release whose game can be started.
     void publishPlayableRelease() {
         FileTree files = sampleReleaseFiles(42);
         files["Vorthmere.exe"] = testing::childProgramBytes();
@@ -87,7 +87,7 @@ TEST_F(UpdateRunHandOverTest, AGameThatHasEndedOrNeverRanIsNotWaitedFor) {
     arguments.parentProcessId = game.id();
     EXPECT_EQ(run(), 0);
 
-    // Windows gives out multiples of four that are far smaller.
+    // The numbers that Windows gives to processes are far smaller.
     arguments.parentProcessId = 0xFFFFFFF0;
     EXPECT_EQ(run(), 0);
     EXPECT_EQ(progress.lastText(), kDone);
@@ -110,7 +110,7 @@ TEST_F(UpdateRunHandOverTest, Code26AProcessThatMayNotBeOpenedCannotBeWaitedFor)
     const ChildProcess game(childProgram(), {L"wait", mayEnd.name()}, &security);
     LocalFree(security.lpSecurityDescriptor);
     arguments.parentProcessId = game.id();
-    // What comes next would fail with code 27.
+    // The next step would fail with code 27.
     progress.at(kWaiting, [&] { writeFile(work / L"backup", "in the way"); });
     expectFailure(26, L"Unable to wait for the running game to close.");
     EXPECT_EQ(progress.lastText(), kWaiting);

@@ -1,4 +1,4 @@
-// Whole runs under the limits that Windows sets to paths in their plain form, and with names that it alters.
+// Whole runs under the limits of Windows on plain paths, and with names that Windows alters.
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@ namespace {
 
 using testing::FileTree;
 
-/// The name that gives an installation folder in the temporary folder so many characters.
+/// The name that gives an installation in a temporary folder a path of up to `length` characters.
 std::wstring nameForLength(std::size_t length) {
     const testing::TemporaryFolder sample;
     // The number at the end of a temporary folder's name has up to ten digits.
@@ -21,7 +21,7 @@ std::wstring nameForLength(std::size_t length) {
     return std::wstring(length - before, L'g');
 }
 
-/// A managed path of the greatest length.
+/// A managed path of the greatest allowed length.
 std::string longestManagedPath(const std::string& name) {
     std::string path = "data/" + std::string(100, 'a') + "/" + std::string(100, 'b') + "/" + name;
     return path + std::string(240 - path.size(), 'c');
@@ -84,7 +84,7 @@ TEST_F(LongPathTest, WhatCannotBeInstalledComesBackFromTheBackup) {
     EXPECT_EQ(installedFiles(), before);
 }
 
-/// Too deep for the folder in which the archive tool is started.
+/// The archive tool cannot be started in a folder this deep.
 using TooDeepTest = DeepInstallationTest<250>;
 
 TEST_F(TooDeepTest, ThePackageEndsWithTheSentenceOfItsStepAndTheNextRunIsNotHindered) {

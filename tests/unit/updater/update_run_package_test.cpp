@@ -21,7 +21,7 @@ constexpr const wchar_t* kDigestWrong = L"The update archive failed SHA-256 veri
 constexpr const wchar_t* kRejected = L"The Windows archive tool rejected the update package.";
 constexpr const wchar_t* kMismatch = L"The update package and managed-file list do not match.";
 
-/// A zip keeps each name twice and no checksum of it.
+/// A zip holds each name twice and no checksum of names.
 std::string withNamesReplaced(std::string zip, std::string_view from, std::string_view to) {
     for (std::size_t at = 0; (at = zip.find(from, at)) != std::string::npos; at += to.size())
         zip.replace(at, from.size(), to);
@@ -30,13 +30,13 @@ std::string withNamesReplaced(std::string zip, std::string_view from, std::strin
 
 class UpdateRunPackageTest : public testing::UpdateRunTest {
 protected:
-    /// Expects a failure during which no later step than `text` was reported.
+    /// Expects a failure whose last reported step is `text`.
     void expectFailureAt(const std::wstring& text, int code, const std::wstring& sentence) {
         expectFailure(code, sentence);
         EXPECT_EQ(progress.lastText(), text);
     }
 
-    /// Has the package hold these files, whatever the inventory says.
+    /// Packs these files into the package, whatever the inventory says.
     void package(const FileTree& files, const std::vector<std::wstring>& options = {}) {
         std::filesystem::remove(release->packageFile);
         makeZip(release->packageFile, files, options);

@@ -24,7 +24,7 @@ using UpdateRunPreparationTest = testing::UpdateRunTest;
 constexpr const wchar_t* kNotWritable =
     L"The game folder is not writable. Move the portable game outside Program Files or run as administrator.";
 
-/// A manifest file of exactly so many bytes: leading zeros are allowed in numbers.
+/// A manifest file of exactly `size` bytes, filled up with leading zeros of a number, which are allowed.
 std::string manifestOfSize(const Manifest& manifest, std::size_t size) {
     const testing::Lines lines = testing::manifestLines(manifest);
     const std::size_t zeros = size - testing::joinLines(lines).size();

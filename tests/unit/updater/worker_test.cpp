@@ -22,7 +22,7 @@ using ::testing::FieldsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-/// Runs the worker on a thread of its own and collects what it posts.
+/// Runs the worker on its own thread and collects what it posts.
 class WorkerTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -114,7 +114,7 @@ TEST_F(WorkerTest, RecordsOfAWholeRunLeaveNothingOnTheHeap) {
     EXPECT_EQ(testing::heapInUse(), before);
 }
 
-// No handler is set in this program, as with a C library in which each thread has its own.
+// This program sets no handler for std::terminate, so the worker has to set one. Some C libraries keep one a thread.
 TEST_F(WorkerTest, ExceptionThatLeavesTheRunEndsTheProcessWithTheCodeOfAFatalEnd) {
     makeCurrentInstallation();
     const std::filesystem::path program = installation / "KVNUpdater.exe";
