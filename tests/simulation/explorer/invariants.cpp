@@ -229,14 +229,20 @@ private:
         for (const std::string& handle : outcome_.openHandles)
             broken("6 returned", "", handle + " was left open");
         if (outcome_.wrongHandles > 0) broken("6 returned", "", "it used a handle that was not open");
-        const bool couldNotEnd = std::any_of(outcome_.calls.begin(), outcome_.calls.end(), [](const Call& call) {
-            return call.operation == Operation::endProcess && call.result != 0;
-        });
-        if (outcome_.end == Outcome::End::crashed || couldNotEnd) return;
+        if (outcome_.end == Outcome::End::crashed || lostHoldOfTool()) return;
         for (const ProcessId child : outcome_.machine.processes.runningChildrenOf(outcome_.machine.caller)) {
             const Process* process = outcome_.machine.processes.find(child);
             if (process->tool) broken("6 returned", "", process->commandLine + " still runs");
         }
+    }
+
+    /// The updater neither waited for the archive tool nor ended it, as the call failed. The exit code, which then says
+    /// that the tool still runs, is reported as the failure.
+    bool lostHoldOfTool() const {
+        return std::any_of(outcome_.calls.begin(), outcome_.calls.end(), [](const Call& call) {
+            const bool isHold = call.operation == Operation::endProcess || call.operation == Operation::waitForEnd;
+            return isHold && call.isHarmed && call.result != 0;
+        });
     }
 
     void steady() {

@@ -20,7 +20,8 @@ namespace vorthmere::update::simulation {
 ///  4 documented: code and sentence are a pair of docs/failures.md, and the one that fits where a single fault was met
 ///    (fitting_sentences.h). An exception is one of a status query.
 ///  5 reported: a fault that was met does not end in 0, except where absorbed_faults.h says why.
-///  6 returned: the run ends, leaves no handle open and no child running, and closes nothing twice.
+///  6 returned: the run ends, leaves no handle open and no child running (unless the call that waits for it or ends it
+///    failed), and closes nothing twice.
 ///  7 steady: the number of calls grows with the number of files and no faster. The percentage never falls, except
 ///    where the complete package is begun.
 ///  8 converges: the next run, unharmed, completes, or ends with 10 and changes nothing.
