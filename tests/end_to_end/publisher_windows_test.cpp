@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 using testing::AnyOf;
 using testing::HasSubstr;
 
-constexpr Milliseconds kLimit{120'000};
+constexpr Milliseconds kLongestRun{120'000};
 constexpr std::uint32_t kChanges = IN_CREATE | IN_DELETE | IN_MODIFY | IN_CLOSE_WRITE | IN_MOVED_FROM | IN_MOVED_TO;
 
 class PublisherWindowsTest : public PublisherTest {
@@ -26,7 +26,7 @@ protected:
     [[nodiscard]] int runOnWindows(const std::vector<std::string>& arguments) const {
         ProcessOptions options;
         options.outputFile = folder_ / "output";
-        return ChildProcess(windowsPublisherCommand(arguments), options).wait(kLimit).exitCode;
+        return ChildProcess(windowsPublisherCommand(arguments), options).wait(kLongestRun).exitCode;
     }
 
     [[nodiscard]] static std::map<std::string, std::string> contentOf(const fs::path& folder) {
@@ -54,7 +54,7 @@ protected:
             if ((event->what & IN_CREATE) != 0 && fs::is_directory(event->path, gone)) watch.add(event->path, kChanges);
         }
         tool.killGroup();
-        const bool killed = tool.wait(kLimit).exitCode == -1;
+        const bool killed = tool.wait(kLongestRun).exitCode == -1;
         // Wine's server closes the files of a process a moment after its end.
         while (fs::exists(channel_ / ".kvn-release-lock"))
             std::this_thread::sleep_for(Milliseconds(10));

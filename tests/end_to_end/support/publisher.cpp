@@ -14,7 +14,7 @@
 namespace vorthmere::end_to_end {
 namespace {
 
-constexpr Milliseconds kToolLimit{60'000};
+constexpr Milliseconds kPublisherLimit{60'000};
 
 }  // namespace
 
@@ -24,7 +24,7 @@ ToolEnd runPublisher(const std::vector<std::string>& arguments, unsigned killAtC
     options.outputFile = folder / "output";
     if (killAtCall != 0)
         options.environment = {"LD_PRELOAD=" KVN_KILL_AT_CALL, "KVN_KILL_AT_CALL=" + std::to_string(killAtCall)};
-    const ProcessEnd end = ChildProcess(publisherCommand(arguments), options).wait(kToolLimit);
+    const ProcessEnd end = ChildProcess(publisherCommand(arguments), options).wait(kPublisherLimit);
     return {end.exitCode, readFile(options.outputFile)};
 }
 

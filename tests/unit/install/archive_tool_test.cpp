@@ -10,6 +10,7 @@
 #include <tuple>
 
 #include "tests/support/child_process.h"
+#include "tests/support/earlier_error.h"
 #include "tests/support/file_tree.h"
 #include "tests/support/sample_release.h"
 #include "tests/support/temporary_folder.h"
@@ -23,7 +24,7 @@ using testing::readFile;
 using testing::TemporaryFolder;
 using testing::writeFile;
 
-constexpr const wchar_t* kEarlierError = L"earlier";
+using testing::kEarlierError;
 
 class ArchiveToolTest : public ::testing::Test {
 protected:

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "install/extracted_tree.h"
+#include "tests/support/earlier_error.h"
 #include "tests/support/folder_link.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/windows_folder.h"
@@ -17,7 +18,7 @@ using testing::LinkedFolder;
 using testing::TemporaryFolder;
 using testing::writeFile;
 
-constexpr const wchar_t* kEarlierError = L"earlier";
+using testing::kEarlierError;
 constexpr const wchar_t* kUnsafe = L"The extracted update contains an unsafe path.";
 
 class ExtractedTreeTest : public ::testing::Test {

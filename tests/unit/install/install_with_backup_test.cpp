@@ -7,6 +7,7 @@
 #include <string>
 #include <tuple>
 
+#include "tests/support/earlier_error.h"
 #include "tests/support/file_tree.h"
 #include "tests/support/folder_link.h"
 #include "tests/support/held_file.h"
@@ -27,7 +28,7 @@ using testing::writeTree;
 
 using Paths = std::vector<std::string>;
 
-constexpr const wchar_t* kEarlierError = L"earlier";
+using testing::kEarlierError;
 constexpr const wchar_t* kReparsePoint = L"The installation contains a reparse point in a managed path.";
 constexpr const wchar_t* kNotRegular = L"A managed installation path is not a regular file.";
 constexpr const wchar_t* kNoBackupFolder = L"Unable to prepare the update backup.";

@@ -8,6 +8,7 @@
 #include <tuple>
 
 #include "files/canonical_path.h"
+#include "tests/support/earlier_error.h"
 #include "tests/support/file_tree.h"
 #include "tests/support/folder_link.h"
 #include "tests/support/temporary_folder.h"
@@ -20,7 +21,7 @@ using testing::Link;
 using testing::TemporaryFolder;
 using testing::writeFile;
 
-constexpr const wchar_t* kEarlierError = L"earlier";
+using testing::kEarlierError;
 constexpr const wchar_t* kNotAnInstallation = L"This is not a writable Kelvane portable installation.";
 
 class InstallationCheckTest : public ::testing::Test {

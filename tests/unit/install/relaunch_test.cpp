@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tests/support/child_process.h"
+#include "tests/support/earlier_error.h"
 #include "tests/support/launched_game.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/windows_handle.h"
@@ -19,7 +20,7 @@ using testing::LaunchedGame;
 using testing::TemporaryFolder;
 using testing::writeFile;
 
-constexpr const wchar_t* kEarlierError = L"earlier";
+using testing::kEarlierError;
 
 class RelaunchTest : public ::testing::Test {
 protected:

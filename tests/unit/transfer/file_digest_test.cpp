@@ -6,6 +6,7 @@
 #include <tuple>
 #include <utility>
 
+#include "tests/support/earlier_error.h"
 #include "tests/support/folder_link.h"
 #include "tests/support/held_file.h"
 #include "tests/support/temporary_folder.h"
@@ -20,7 +21,7 @@ using testing::writeFile;
 
 constexpr const char* kEmptyDigest = "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855";
 constexpr const char* kAbcDigest = "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad";
-constexpr const wchar_t* kEarlierError = L"earlier";
+using testing::kEarlierError;
 
 class FileDigestTest : public ::testing::Test {
 protected:
