@@ -47,4 +47,4 @@ def measure_start(sizes, _idle):
         times = compare(sizes.starts, lambda: wine.cost_of(*current), lambda: wine.cost_of(NOTHING))
         first_calls = median_seconds(sizes.starts, lambda: wine.cost_of(FIRST_CALLS))
     return [compared("start to \"already current\", without a window [s]", times, "at most 2", digits=3),
-            *parts(times.time.floor, {"a program that makes the first three calls": first_calls})]
+            *parts(times.time.floor, {"a program that makes the first calls": first_calls})]
