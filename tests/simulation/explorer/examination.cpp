@@ -51,12 +51,16 @@ Finding Examination::examine(const Scenario& scenario, std::size_t mustMeet, boo
 
     std::vector<Breach> breaches = brokenInvariants(finding.outcome, documented_);
     append(breaches, aftermath_.brokenInvariants(finding.outcome));
+    bool isExcused = false;
     for (Breach& breach : breaches) {
-        if (const KnownLoss* loss = knownLossOf(finding.outcome, breach))
+        if (const KnownLoss* loss = knownLossOf(finding.outcome, breach)) {
             coverage_.countLoss(*loss);
-        else
+            isExcused = true;
+        } else {
             finding.breaches.push_back(std::move(breach));
+        }
     }
+    if (isExcused) ++excused_;
     append(finding.breaches, unmet(finding.outcome, mustMeet));
     append(finding.breaches, unexpected(finding.outcome));
     if (!twice) return finding;

@@ -35,11 +35,17 @@ public:
         return updates_ + aftermath_.runs();
     }
 
+    /// Scenarios in which a known loss excused something.
+    [[nodiscard]] std::size_t excused() const {
+        return excused_;
+    }
+
 private:
     const DocumentedFailures& documented_;
     Aftermath aftermath_;
     Coverage coverage_;
     std::size_t updates_ = 0;
+    std::size_t excused_ = 0;
 };
 
 /// A finding for people: what broke, the plan, the last calls, what the trees differ in.

@@ -12,6 +12,9 @@ constexpr std::size_t kShrinkTries = 400;
 constexpr std::size_t kStrideOfTime = 31;
 constexpr std::uint64_t kSeedStep = 0x10001;
 
+constexpr std::size_t kScenariosForAShare = 1000;
+constexpr std::size_t kMostExcusedPercent = 20;
+
 double secondsSince(std::chrono::steady_clock::time_point begin) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
@@ -147,6 +150,11 @@ void Explorer::replay(const Choices& choices) {
     std::cout << "\n" << describe(*finding);
 }
 
+bool Explorer::excusesTooMuch() const {
+    return visits_.size() == explorations().size() && scenarios_ >= kScenariosForAShare &&
+           examination_.excused() * 100 > scenarios_ * kMostExcusedPercent;
+}
+
 void Explorer::printSummary(double seconds) const {
     for (const Visit& visit : visits_)
         std::cout << std::setw(9) << visit.scenarios << "  " << explorations()[visit.exploration].name
@@ -154,6 +162,7 @@ void Explorer::printSummary(double seconds) const {
     std::cout << std::setw(9) << scenarios_ << "  scenarios, " << examination_.updates() << " updates in " << std::fixed
               << std::setprecision(1) << seconds << " s: " << std::setprecision(0)
               << static_cast<double>(scenarios_) / seconds << " scenarios a second\n";
+    std::cout << std::setw(9) << examination_.excused() << "  of them with a known loss\n";
     std::cout << examination_.coverage().summary();
     std::size_t times = 0;
     for (const auto& [kind, count] : findings_)

@@ -43,6 +43,10 @@ public:
         return examination_;
     }
 
+    /// True when known losses excused more scenarios than they should. Few scenarios, or some explorations alone, say
+    /// nothing about that.
+    [[nodiscard]] bool excusesTooMuch() const;
+
     void printSummary(double seconds) const;
 
 private:

@@ -120,6 +120,10 @@ int simulate(Request request) {
     explorer.explore(request.amount);
     mistakes += explorer.findings();
     explorer.printSummary(std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
+    if (explorer.excusesTooMuch()) {
+        ++mistakes;
+        std::cout << "TOO MUCH IS EXCUSED by known losses.\n";
+    }
     if (request.wantsCoverage)
         for (const std::string& missing : explorer.examination().coverage().missing()) {
             ++mistakes;
