@@ -26,6 +26,7 @@
 #include "publisher/release_staging.h"
 #include "publisher/release_texts.h"
 #include "publisher/sha256.h"
+#include "update/incremental_update.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish {
@@ -144,7 +145,7 @@ private:
         update::Manifest same = request_.details;
         same.size = published_->size;
         same.sha256 = published_->sha256;
-        same.url = std::string(update::kDownloadBaseUrl) + packageName(same.release);
+        same.url = update::channelAddress(packageName(same.release));
         std::string ignored;
         std::vector<update::InventoryEntry> entries;
         const bool isReadable =
@@ -278,7 +279,8 @@ private:
         summary_.previousFault = previous.fault;
         if (!previous.release || !previous.fault.empty()) return;
         const ReleaseDifference difference = compareReleases(previous.entries, inventoryOf(files_));
-        summary_.incrementalFromPrevious = request_.isDryRun || updatesIncrementally(difference, manifest_);
+        summary_.incrementalFromPrevious =
+            request_.isDryRun || update::updatesIncrementally(difference.bytesToFetch, manifest_);
         summary_.bytesFromPrevious = summary_.incrementalFromPrevious ? difference.bytesToFetch : manifest_.size;
     }
 

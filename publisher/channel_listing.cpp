@@ -8,7 +8,6 @@
 #include "publisher/release_texts.h"
 #include "update/decimal.h"
 #include "update/release_channel.h"
-#include "update/sha256_text.h"
 
 namespace vorthmere::publish {
 namespace {
@@ -24,15 +23,8 @@ std::uint32_t numberIn(const std::string& name) {
     return update::parseDecimal(std::string_view(name).substr(first, end - first), release) ? release : 0;
 }
 
-bool isObjectName(std::string_view name) {
-    if (!name.starts_with(update::kObjectNamePrefix) || !name.ends_with(update::kObjectNameSuffix)) return false;
-    name.remove_prefix(update::kObjectNamePrefix.size());
-    name.remove_suffix(update::kObjectNameSuffix.size());
-    return update::isSha256Text(name);
-}
-
 void takeName(const std::string& name, ChannelListing& listing) {
-    if (isObjectName(name)) {
+    if (update::isObjectName(name)) {
         listing.objects.push_back(name);
         return;
     }

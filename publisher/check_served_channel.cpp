@@ -90,7 +90,7 @@ private:
         if (!readPublishedManifest(files_.folder(), manifest, fault) || !manifest) return;
 
         const std::string package = packageNameOf(*manifest);
-        const std::string inventory = package + std::string(update::kInventorySuffix);
+        const std::string inventory = inventoryNameOf(*manifest);
         console_.beginStep("Fetching the complete package and its inventory", manifest->size);
         fetch(inventory, update::kMaxInventoryBytes, answer);
         fetch(package, manifest->size, answer);

@@ -51,7 +51,7 @@ private:
     }
 
     bool readKeptInventories(std::string& error) {
-        const std::string offered = packageNameOf(*published_) + std::string(update::kInventorySuffix);
+        const std::string offered = inventoryNameOf(*published_);
         std::vector<update::InventoryEntry> entries;
         if (!readInventory(request_.channel / offered, *published_, entries, error)) return refuse(error);
         need(entries);

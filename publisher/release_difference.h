@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "update/file_inventory.h"
-#include "update/manifest.h"
 
 namespace vorthmere::publish {
 
@@ -24,8 +23,5 @@ struct ReleaseDifference {
 /// Paths are compared as Windows does, in any letter case.
 [[nodiscard]] ReleaseDifference compareReleases(const std::vector<update::InventoryEntry>& installed,
                                                 const std::vector<update::InventoryEntry>& wanted);
-
-/// True when an updater fetches the changed files, false when the complete package is no larger than they are.
-[[nodiscard]] bool updatesIncrementally(const ReleaseDifference& difference, const update::Manifest& manifest);
 
 }  // namespace vorthmere::publish

@@ -11,6 +11,7 @@
 #include "publisher/release_texts.h"
 #include "publisher/sha256.h"
 #include "update/limits.h"
+#include "update/metadata_text.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish {
@@ -96,10 +97,10 @@ bool stageRelease(const std::vector<ReleaseFile>& files, const std::vector<const
     staged.manifest = details;
     staged.manifest.size = facts.size;
     staged.manifest.sha256 = facts.sha256;
-    staged.manifest.url = std::string(update::kDownloadBaseUrl) + packageName(details.release);
-    staged.inventory = inventoryText(staged.manifest, inventoryOf(files));
+    staged.manifest.url = update::channelAddress(packageName(details.release));
+    staged.inventory = update::inventoryText(staged.manifest, inventoryOf(files));
     return writeFile(workFolder / inventoryName(details.release), staged.inventory, error) &&
-           writeFile(workFolder / update::kManifestName, manifestText(staged.manifest), error) &&
+           writeFile(workFolder / update::kManifestName, update::manifestText(staged.manifest), error) &&
            readBack(workFolder, staged, files, error);
 }
 

@@ -25,11 +25,6 @@ private:
     std::unique_ptr<void, Release> context_;
 };
 
-inline constexpr std::size_t kDigestBytes = 32;
-
-/// Two digits for each byte, in lower case.
-[[nodiscard]] std::string hexadecimal(std::span<const unsigned char> bytes);
-
 [[nodiscard]] std::string sha256Of(std::string_view text);
 
 }  // namespace vorthmere::publish

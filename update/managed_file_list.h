@@ -16,11 +16,14 @@ namespace vorthmere::update {
 /// @return true when the list is valid. Paths are compared exactly, letter case included.
 [[nodiscard]] bool parseManagedFileList(std::string_view text, std::vector<std::string>& paths, std::string& error);
 
-/// Reads and parses the managed-file list of a release.
+/// Reads and parses a managed-file list.
 ///
-/// @param folder the installation, or the staging folder
-/// @param paths  as parseManagedFileList() fills it
-/// @param error  receives the sentence of a failure: readMetadataFile()'s, or the parser's when it is still empty
+/// @param paths as parseManagedFileList() fills it
+/// @param error receives the sentence of a failure: readMetadataFile()'s, or the parser's when it is still empty
+[[nodiscard]] bool loadManagedFileListFrom(const std::filesystem::path& file, std::vector<std::string>& paths,
+                                           std::wstring& error);
+
+/// The same with the list of the release in a folder: the installation, or the staging folder.
 [[nodiscard]] bool loadManagedFileList(const std::filesystem::path& folder, std::vector<std::string>& paths,
                                        std::wstring& error);
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -30,5 +31,14 @@ struct Manifest {
 /// @param error    cleared on entry; on failure the sentence that names the first fault found
 /// @return true when the header, all eight fields and their values are valid and nothing else is in the text
 [[nodiscard]] bool parseManifest(std::string_view text, Manifest& manifest, std::string& error);
+
+/// Reads and parses a manifest.
+///
+/// @param error receives the sentence of a failure: readMetadataFile()'s, or the parser's when it is still empty
+[[nodiscard]] bool loadManifest(const std::filesystem::path& path, Manifest& manifest, std::wstring& error);
+
+/// The parser's rules for two of the values.
+[[nodiscard]] bool isVersionText(std::string_view text);
+[[nodiscard]] bool isNotesText(std::string_view text);
 
 }  // namespace vorthmere::update

@@ -5,7 +5,10 @@
 #include <bcrypt.h>
 
 #include <array>
+#include <cstdint>
 #include <stdexcept>
+
+#include "update/sha256_text.h"
 
 namespace vorthmere::publish {
 namespace {
@@ -43,9 +46,9 @@ void Sha256::add(std::span<const char> bytes) {
 }
 
 std::string Sha256::finish() {
-    std::array<unsigned char, kDigestBytes> digest{};
+    std::array<std::uint8_t, update::kSha256Bytes> digest{};
     require(BCryptFinishHash(context_.get(), digest.data(), static_cast<ULONG>(digest.size()), 0) == 0);
-    return hexadecimal(digest);
+    return update::sha256Text(digest);
 }
 
 }  // namespace vorthmere::publish

@@ -13,6 +13,7 @@
 #include "tests/unit/publisher/system_faults.h"
 #include "update/limits.h"
 #include "update/managed_file_list.h"
+#include "update/metadata_text.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish::testing {

@@ -40,17 +40,6 @@ TEST(ReleaseDifference, EqualContentUnderAnotherNameIsFetchedForEachName) {
     EXPECT_THAT(difference.removed, ElementsAre("gone"));
 }
 
-TEST(ReleaseDifference, ChangedBytesThatEqualThePackageTakeThePackage) {
-    const ReleaseDifference difference = compareReleases({}, {{"a", "1", 100}});
-    update::Manifest manifest;
-    manifest.size = 101;
-    EXPECT_TRUE(updatesIncrementally(difference, manifest));
-    manifest.size = 100;
-    EXPECT_FALSE(updatesIncrementally(difference, manifest));
-    manifest.size = 99;
-    EXPECT_FALSE(updatesIncrementally(difference, manifest));
-}
-
 class UpdatePlanTest : public PublishingTest {
 protected:
     void SetUp() override {
