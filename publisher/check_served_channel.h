@@ -14,10 +14,14 @@ namespace vorthmere::publish {
 ///
 /// @param address of the channel, ending in "/"
 /// @param caFile  certificates to trust instead of the system's; empty for the system's
+/// @param allowFolderChanges as checkChannel() takes it
 ///
-/// What is fetched lies in the system's folder for temporary files until the end, so that there must be room for the
+/// A server does not tell which releases it has. So the inventories of the 16 numbers below the offered one are asked
+/// for, and the files and folders of those that are there are compared; a note tells which.
+///
+/// What is fetched is kept in the system's folder for temporary files until the end, so there must be room for the
 /// package and all objects.
 [[nodiscard]] ChannelReport checkServedChannel(const std::string& address, const std::filesystem::path& caFile,
-                                               Console& console);
+                                               bool allowFolderChanges, Console& console);
 
 }  // namespace vorthmere::publish

@@ -14,8 +14,9 @@ namespace vorthmere::publish {
 namespace {
 
 ChannelReport checkAsAsked(const CheckRequest& request, Console& console) {
-    return request.address.empty() ? checkChannel(request.channel, request.allowFolderChanges, console)
-                                   : checkServedChannel(request.address, request.caFile, console);
+    return request.address.empty()
+               ? checkChannel(request.channel, request.allowFolderChanges, console)
+               : checkServedChannel(request.address, request.caFile, request.allowFolderChanges, console);
 }
 
 void run(const Command& command, Console& console, Outcome& outcome) {

@@ -32,9 +32,13 @@ std::filesystem::path publisherProgram() {
     return KVN_RELEASE;
 }
 
-std::vector<std::string> publisherCommand(const std::vector<std::string>& arguments) {
+bool publisherIsForWindows() {
     const char* const system = std::getenv("KVN_PUBLISHER");
-    if (system && std::string_view(system) == "windows") return windowsPublisherCommand(arguments);
+    return system && std::string_view(system) == "windows";
+}
+
+std::vector<std::string> publisherCommand(const std::vector<std::string>& arguments) {
+    if (publisherIsForWindows()) return windowsPublisherCommand(arguments);
     std::vector<std::string> command{publisherProgram()};
     command.insert(command.end(), arguments.begin(), arguments.end());
     return command;

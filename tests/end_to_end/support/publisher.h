@@ -24,8 +24,10 @@ ToolEnd runPublisher(const std::vector<std::string>& arguments, unsigned killAtC
 /// The tool for this system, for a test that starts it in a way of its own.
 [[nodiscard]] std::filesystem::path publisherProgram();
 
-/// A command for ChildProcess that runs the tool which is tested: the one for this system, or with
-/// KVN_PUBLISHER=windows in the environment kvn-release.exe under Wine.
+/// True with KVN_PUBLISHER=windows in the environment: then kvn-release.exe is tested, under Wine.
+[[nodiscard]] bool publisherIsForWindows();
+
+/// A command for ChildProcess that runs the tool which is tested.
 [[nodiscard]] std::vector<std::string> publisherCommand(const std::vector<std::string>& arguments);
 
 /// A command for ChildProcess that runs kvn-release.exe under Wine.
