@@ -2,6 +2,7 @@
 
 #include <system_error>
 
+#include "publisher/entry_facts.h"
 #include "publisher/in_quotes.h"
 #include "update/inventory_header.h"
 #include "update/limits.h"
@@ -17,16 +18,9 @@ namespace {
 /// Whether a file is there at all is no matter of the updater's rules.
 bool isThere(const std::filesystem::path& path, std::string& error) {
     std::error_code failure;
-    switch (std::filesystem::status(path, failure).type()) {
-        case std::filesystem::file_type::not_found:
-            error = inQuotes(path.filename()) + " is missing.";
-            return false;
-        case std::filesystem::file_type::none:
-            error = inQuotes(path.filename()) + " cannot be read: " + failure.message() + ".";
-            return false;
-        default:
-            return true;
-    }
+    if (factsOfTarget(path, failure).kind != EntryKind::missing) return true;
+    error = inQuotes(path.filename()) + (failure ? " cannot be read: " + failure.message() + "." : " is missing.");
+    return false;
 }
 
 /// @param fault the updater's sentence; it has none when reading broke off
@@ -66,7 +60,7 @@ bool readPublishedManifest(const std::filesystem::path& channel, std::optional<u
     manifest.reset();
     const std::filesystem::path path = channel / update::kManifestName;
     std::error_code failure;
-    if (std::filesystem::symlink_status(path, failure).type() == std::filesystem::file_type::not_found) return true;
+    if (factsOf(path, failure).kind == EntryKind::missing && !failure) return true;
     if (!isThere(path, error)) return false;
     std::wstring fault;
     update::Manifest parsed;

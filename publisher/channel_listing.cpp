@@ -4,6 +4,8 @@
 #include <system_error>
 
 #include "publisher/channel.h"
+#include "publisher/entry_facts.h"
+#include "publisher/folder_names.h"
 #include "publisher/in_quotes.h"
 #include "publisher/release_texts.h"
 #include "update/decimal.h"
@@ -39,10 +41,9 @@ void takeName(const std::string& name, ChannelListing& listing) {
 bool listChannel(const fs::path& channel, ChannelListing& listing, std::string& error) {
     listing = {};
     std::error_code failure;
-    fs::directory_iterator file(channel, failure);
-    if (failure == std::errc::no_such_file_or_directory) return true;
-    for (; !failure && file != fs::directory_iterator(); file.increment(failure))
-        takeName(file->path().filename().string(), listing);
+    if (factsOfTarget(channel, failure).kind == EntryKind::missing && !failure) return true;
+    for (const fs::path& name : namesIn(channel, failure))
+        takeName(name.string(), listing);
     if (failure) error = "The channel cannot be listed: " + failure.message() + ".";
     std::sort(listing.objects.begin(), listing.objects.end());
     return !failure;

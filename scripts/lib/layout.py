@@ -8,8 +8,9 @@ MAY_INCLUDE = {
     "transfer": ["update/*", "files/*", "platform/*"],
     "install": ["update/*", "files/*", "platform/*"],
     "updater": ["transfer/*", "install/*", "update/*", "files/*", "platform/*"],
-    # On Windows the tool looks at a served channel with the updater's own client.
-    "publisher": ["update/*", "transfer/downloads.h", "transfer/https_client.h"],
+    # On Windows the tool looks at a served channel with the updater's own client, and writes paths as the updater does.
+    "publisher": ["update/*", "transfer/downloads.h", "transfer/https_client.h", "platform/entries.h",
+                  "platform/windows/system_path.h"],
 }
 
 # Of each rule: what includes one of these headers against it, the headers, and the files for which it holds.
