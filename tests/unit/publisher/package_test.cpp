@@ -168,13 +168,20 @@ TEST_F(PackageTest, PackageThatIsTooLargeAsItWasJudgedIsDeflatedThroughout) {
     std::string error;
     ASSERT_TRUE(hashFiles(files, error)) << error;
     ASSERT_FALSE(files[0].worthDeflating);
-    EXPECT_TRUE(writePackage(files, {package, kLimit}, false, taken, ignoreBytes, error)) << error;
+    std::uint64_t packed = 0;
+    const BytesDone count = [&packed](std::uint64_t bytes) { packed += bytes; };
+    EXPECT_TRUE(writePackage(files, {package, kLimit}, false, taken, count, error)) << error;
     EXPECT_EQ(verify(), "");
     EXPECT_LT(facts.size, kLimit / 4);
+    EXPECT_LE(packed, 2 * kBlockBytes) << "packed twice";
     files.pop_back();
     EXPECT_TRUE(writePackage(files, {package, kLimit}, false, taken, ignoreBytes, error)) << error;
     EXPECT_EQ(verify(), "");
     EXPECT_GT(facts.size, kBlockBytes) << "stored as it was judged when it fits";
+    // The content would fit as it is, and the headers do not.
+    EXPECT_TRUE(writePackage(files, {package, kBlockBytes + 10}, false, taken, ignoreBytes, error)) << error;
+    EXPECT_EQ(verify(), "");
+    EXPECT_LT(facts.size, kLimit / 4);
 }
 
 TEST_F(PackageTest, LargeFilesAreOneStreamOfManyParts) {
