@@ -15,7 +15,7 @@
 namespace vorthmere::publish {
 namespace {
 
-/// Whether a file is there at all is no matter of the updater's rules.
+/// Unlike the updater, tells a missing file from one that it would refuse.
 bool isThere(const std::filesystem::path& path, std::string& error) {
     std::error_code failure;
     if (factsOfTarget(path, failure).kind != EntryKind::missing) return true;
@@ -23,13 +23,13 @@ bool isThere(const std::filesystem::path& path, std::string& error) {
     return false;
 }
 
-/// @param fault the updater's sentence; it has none when reading broke off
+/// @param fault the updater's sentence; empty when reading broke off
 std::string sentenceAbout(const std::filesystem::path& path, const std::wstring& fault) {
     return inQuotes(path.filename()) + " would be refused by the updater: " +
            (fault.empty() ? "Unable to read update metadata." : update::narrow(fault));
 }
 
-/// The folder that a manifest's package is in; empty when no line names a package.
+/// The address of the folder that holds a manifest's package; empty when no line names a package.
 std::string_view addressIn(std::string_view manifest) {
     std::string_view url;
     while (!manifest.empty())

@@ -102,7 +102,7 @@ private:
         console_.beginStep("Checking the complete package", manifest.size + bytesOf(entries));
         const ChannelFile found = compareFile(package, manifest.size, manifest.sha256, done_);
         std::string fault = faultOf(found, package, manifest.size);
-        // What a sound package holds can be judged only by a sound inventory.
+        // Only a sound inventory tells what the package should hold.
         PackageFacts facts;
         if (fault.empty() && !entries.empty() && !verifyPackage(package, entries, {}, facts, done_, fault))
             fault = inQuotes(package.filename()) + ": " + fault;

@@ -26,10 +26,10 @@ namespace fs = std::filesystem;
 constexpr unsigned kFound = 200;
 constexpr unsigned kNotFound = 404;
 
-/// Numbers below the offered one whose inventories are asked for.
+/// How many numbers below the offered one the check asks for inventories of.
 constexpr std::uint32_t kOlderNumbers = 16;
 
-/// A folder of its own for as long as it lives.
+/// A temporary folder, removed at the end.
 class FetchedFiles {
 public:
     bool create(std::string& error) {
@@ -70,7 +70,7 @@ public:
         fetchRelease();
         checkUnknownName();
         ChannelReport report = checkChannel(files_.folder(), allowFolderChanges_, console_);
-        // That a file is missing here is said by why it could not be fetched.
+        // A file that could not be fetched has its sentence already.
         std::erase_if(report.faults, [this](const std::string& fault) {
             for (const std::string& name : notFetched_)
                 if (fault.ends_with(inQuotes(name) + " is missing.")) return true;
@@ -106,7 +106,7 @@ private:
         fetchObjects(entries);
     }
 
-    /// Most of them may be missing, which is no fault.
+    /// An inventory that the server does not have is no fault.
     void fetchOlderInventories(std::uint32_t offered) {
         const std::uint32_t count = std::min(kOlderNumbers, offered - 1);
         if (count == 0) return;
@@ -164,7 +164,7 @@ private:
 
     /// Fetches one file into the folder.
     ///
-    /// @return false with a sentence when an updater would not get it; nothing is kept then
+    /// @return false with a sentence when an updater would not get it; then the file is removed again
     bool store(const std::string& name, std::uint64_t maxBytes, HttpsAnswer& answer, std::string& fault) {
         const bool stored = fetchInto(files_.folder() / name, name, maxBytes, answer, fault);
         std::string stays;

@@ -19,14 +19,14 @@ constexpr std::uint32_t kGreatestProtocol = std::numeric_limits<std::uint16_t>::
 
 constexpr std::array kCommands = {"build", "check", "plan", "gc"};
 
-/// Numbers as they were written, so that the sentence about a wrong one is ours.
+/// Numbers as the user wrote them, so that the sentence about a wrong one is ours, not the library's.
 struct WrittenNumbers {
     std::string release;
     std::string protocol;
     std::string keep;
 };
 
-/// Paths as they were written, which is in UTF-8 on every system.
+/// The arguments are in UTF-8 on every system.
 std::filesystem::path pathOf(const std::string& text) {
     return std::filesystem::path(std::u8string(text.begin(), text.end()));
 }

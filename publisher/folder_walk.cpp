@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// In byte order, so that what is said of a folder does not depend on the file system.
+/// In byte order, so that the sentences about a folder do not depend on the file system.
 bool listNames(const fs::path& folder, std::vector<fs::path>& names, std::string& error) {
     std::error_code failure;
     names = namesIn(folder, failure);

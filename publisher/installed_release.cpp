@@ -43,7 +43,7 @@ std::set<std::string> keysOf(const Entries& wanted) {
     return keys;
 }
 
-/// Unlike a game folder, an installation may hold anything beside the files of the release.
+/// Unlike a game folder, an installation may hold anything besides the files of the release.
 bool listInstallation(const fs::path& folder, const Entries& wanted, std::vector<ReleaseFile>& files,
                       std::string& error) {
     const std::set<std::string> wantedKeys = keysOf(wanted);
@@ -74,7 +74,7 @@ bool readManagedPaths(std::vector<ReleaseFile>& files, std::vector<std::string>&
         return false;
     }
 
-    // What the release that was built from this folder has in addition; its number and thus its marker are not known.
+    // The release that was built from this folder also has a list and a marker. The marker's content is unknown.
     for (const ReleaseFile& file : files)
         managed.push_back(file.entry.path);
     if (findFile(files, update::kReleaseMarkerName) == files.end()) managed.emplace_back(update::kReleaseMarkerName);

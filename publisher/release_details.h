@@ -8,7 +8,7 @@
 
 namespace vorthmere::publish {
 
-/// Judges what the publisher says of a release by the manifest's rules.
+/// Judges the publisher's details of a release by the manifest's rules.
 ///
 /// @param details release, version, protocol, mandatory and notes
 /// @param error   receives one sentence naming the command-line option and its rule

@@ -8,7 +8,7 @@
 
 namespace vorthmere::publish {
 
-/// What changes between two releases, as an updater sees it.
+/// The difference of two releases, as an updater sees it.
 struct ReleaseDifference {
     std::vector<update::InventoryEntry> reused;   ///< installed already, copied on the player's disk
     std::vector<update::InventoryEntry> fetched;  ///< changed or new, fetched one object each
@@ -17,10 +17,10 @@ struct ReleaseDifference {
     std::uint64_t bytesToFetch = 0;  ///< files of equal content count once for each path, as they are fetched
 };
 
-/// @param installed what lies in the older installation
+/// @param installed the files of the older release
 /// @param wanted    the newer release's inventory
 ///
-/// Paths are compared as Windows does, in any letter case.
+/// Compares paths without regard to letter case, as Windows does.
 [[nodiscard]] ReleaseDifference compareReleases(const std::vector<update::InventoryEntry>& installed,
                                                 const std::vector<update::InventoryEntry>& wanted);
 

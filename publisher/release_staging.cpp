@@ -33,8 +33,8 @@ bool stageObject(const ReleaseFile& file, const fs::path& target, const BytesDon
     return false;
 }
 
-/// Packing keeps one processor busy for much longer than the objects need, so they are written beside it. Whichever
-/// fails first stops the other.
+/// Packing takes much longer than writing the objects, so a second thread writes them meanwhile. Whichever fails first
+/// stops the other.
 bool stageContent(const std::vector<ReleaseFile>& files, const std::vector<const ReleaseFile*>& newObjects,
                   const fs::path& workFolder, const PackageRequest& package, PathSet& taken, const BytesDone& done,
                   std::string& error) {
@@ -50,7 +50,7 @@ bool stageContent(const std::vector<ReleaseFile>& files, const std::vector<const
                     written =
                         stageObject(*newObjects[i], workFolder / objectName(newObjects[i]->entry.sha256), done, fault);
             if (!written) hasFailed = true;
-            // Without a sentence it was stopped by the other, which has one.
+            // No sentence means that the other one failed, which has one.
             return written || fault.empty();
         },
         error);

@@ -28,7 +28,7 @@ struct CurlRelease {
     }
 };
 
-/// One request on its way.
+/// A running request.
 struct Transfer {
     CURL* handle;
     std::uint64_t maxBytes;

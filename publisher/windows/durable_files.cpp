@@ -18,12 +18,12 @@ namespace {
 namespace fs = std::filesystem;
 using update::SystemPath;
 
-/// Held open by whoever writes to a channel; it is gone with the handle, also when the process is killed.
+/// Whoever writes to a channel holds this file open. It vanishes with the handle, also when the process is killed.
 constexpr const wchar_t* kLockFileName = L".kvn-release-lock";
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-/// Scanners and indexers hold a new file for a moment.
+/// Virus scanners and indexers hold a new file open for a moment.
 constexpr int kTries = 50;
 constexpr DWORD kPauseMilliseconds = 40;
 
@@ -42,7 +42,7 @@ OVERLAPPED at(std::uint64_t position) {
     return place;
 }
 
-/// Repeats a call as long as somebody else is using the file.
+/// Repeats a call while another program uses the file, up to a limit.
 template <typename Call>
 bool untilFree(Call call) {
     for (int tried = 1;; ++tried) {
@@ -144,7 +144,7 @@ bool createFolders(const fs::path& folder, std::vector<fs::path>& made, std::str
 }
 
 bool moveIntoPlace(const fs::path& from, const fs::path& to, std::string& error) {
-    // A file that somebody reads cannot be replaced; on the disk before the call returns.
+    // A file that another program reads cannot be replaced. The rename is on the disk when the call returns.
     const SystemPath source(from);
     const SystemPath target(to);
     return untilFree([&] {
@@ -160,7 +160,7 @@ bool removeFile(const fs::path& file, std::string& error) {
     return facts.kind == EntryKind::missing || removeEntry(file, facts, error);
 }
 
-// The standard library would go through links.
+// The standard library would follow links.
 bool removeTree(const fs::path& folder, std::string& error) {
     std::error_code failure;
     const EntryFacts facts = factsOf(folder, failure);
@@ -172,7 +172,7 @@ bool removeTree(const fs::path& folder, std::string& error) {
     return removeEntry(folder, facts, error);
 }
 
-// Renames are written through, one by one.
+// Each rename is on the disk already.
 bool syncFolder(const fs::path&, std::string&) {
     return true;
 }
@@ -192,7 +192,7 @@ bool lockFolder(const fs::path& folder, Descriptor& lock, std::string& error) {
     return false;
 }
 
-// The lock is a file in the folder: with it the folder is not empty, and with another process's it is not either.
+// The lock is a file in the folder, so a folder that another process has locked is not empty.
 void removeMadeFolders(const std::vector<fs::path>& made, Descriptor lock) {
     lock = Descriptor();
     for (auto folder = made.rbegin(); folder != made.rend(); ++folder)

@@ -28,7 +28,7 @@ std::string headerOf(const update::InternetHandle& request, DWORD header) {
 
 }  // namespace
 
-// The updater's own client, which trusts what Windows trusts.
+// Uses the updater's own client, which trusts the certificates that Windows trusts.
 bool fetchHttps(const std::string& address, const std::filesystem::path&, std::uint64_t maxBytes,
                 const ContentSink& sink, HttpsAnswer& answer, std::string& error) {
     update::InternetHandle session;

@@ -1,4 +1,4 @@
-// What kvn-release makes of a channel that is not as it should be.
+// How kvn-release treats a damaged or unusual channel.
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-// What "cmake --install" lays out beside the tool: the manual page and the completion say what the tool can do.
+// "cmake --install": the manual page and the completion match the tool.
 
 #include <gmock/gmock.h>
 

@@ -85,7 +85,7 @@ TEST_F(PublisherInterruptionTest, KilledBeforeAnyOfItsCallsItLeavesAWholeRelease
         ASSERT_EQ(channelContent(), complete) << "killed before call " << call;
         ASSERT_LT(call, 1000u);
     }
-    // Most calls come before the manifest's rename, some behind it.
+    // Most calls come before the manifest's rename, some after it.
     EXPECT_GT(seenOld, 20u);
     EXPECT_GT(seenNew, 0u);
     EXPECT_LT(seenNew, seenOld);

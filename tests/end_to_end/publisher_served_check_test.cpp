@@ -1,4 +1,4 @@
-// kvn-release checks a channel as it is served.
+// kvn-release checks a served channel.
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-// kvn-release.exe beside the tool for this system.
+// kvn-release.exe compared with the tool for this system.
 
 #include <gmock/gmock.h>
 #include <sys/inotify.h>
@@ -36,7 +36,7 @@ protected:
         return content;
     }
 
-    /// Kills a run after so many changes in the channel.
+    /// Kills a run after a number of changes in the channel.
     ///
     /// @return false when the run ended before
     [[nodiscard]] bool killAfter(int changes, const std::vector<std::string>& arguments) const {
@@ -55,7 +55,7 @@ protected:
         }
         tool.killGroup();
         const bool killed = tool.wait(kLimit).exitCode == -1;
-        // Wine's server lets go of the files of a process a moment after its end.
+        // Wine's server closes the files of a process shortly after its end.
         while (fs::exists(channel_ / ".kvn-release-lock"))
             std::this_thread::sleep_for(Milliseconds(10));
         return killed;

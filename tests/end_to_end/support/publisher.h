@@ -21,7 +21,7 @@ struct ToolEnd {
 ///                   killed; 0 for never
 ToolEnd runPublisher(const std::vector<std::string>& arguments, unsigned killAtCall = 0);
 
-/// The tool for this system, for a test that starts it in a way of its own.
+/// The tool for this system, for a test that starts it itself.
 [[nodiscard]] std::filesystem::path publisherProgram();
 
 /// True with KVN_PUBLISHER=windows in the environment: then kvn-release.exe is tested, under Wine.
@@ -33,11 +33,11 @@ ToolEnd runPublisher(const std::vector<std::string>& arguments, unsigned killAtC
 /// A command for ChildProcess that runs kvn-release.exe under Wine.
 [[nodiscard]] std::vector<std::string> windowsPublisherCommand(const std::vector<std::string>& arguments);
 
-/// The command line of a build with the sample release's details, which takes any files as programs.
+/// The command line of a build with the sample release's details that accepts any files as programs.
 [[nodiscard]] std::vector<std::string> buildArguments(std::uint32_t release, const std::filesystem::path& game,
                                                       const std::filesystem::path& channel);
 
-/// What a release that was built with buildArguments() installs: the files of the game folder, and the generated ones.
+/// The files of a release that was built with buildArguments(): those of the game folder and the generated ones.
 [[nodiscard]] ReleaseFiles publishedFiles(std::uint32_t release, const std::filesystem::path& game);
 
 }  // namespace vorthmere::end_to_end

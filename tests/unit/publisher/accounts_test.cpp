@@ -1,4 +1,4 @@
-// Who may read what, by the modes of files: Windows has none.
+// File modes and accounts, which Windows does not have in this form.
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>

@@ -66,7 +66,7 @@ TEST_F(BuildReleaseTest, GeneratedFilesSayWhatTheReleaseIs) {
     std::string error;
     ASSERT_TRUE(update::parseManagedFileList(contents["KVN_MANAGED_FILES.txt"], listed, error)) << error;
     EXPECT_THAT(listed, UnorderedElementsAreArray(paths));
-    // The game's program is installed last, so that an installation that was cut off cannot be played.
+    // The updater installs the game's program last, so nobody can play an incomplete installation.
     EXPECT_EQ(listed.back(), "Vorthmere.exe");
 }
 
@@ -151,7 +151,7 @@ TEST_F(BuildReleaseTest, SummaryNamesAPreviousInventoryThatCannotBeRead) {
     EXPECT_EQ(summary.previousRelease, 41u);
     EXPECT_EQ(summary.previousFault, missing);
 
-    // A repetition has only the names in the channel to tell which release was the previous one.
+    // A repetition knows the previous release only by the names in the channel.
     summary = publish(42);
     EXPECT_EQ(summary.previousRelease, 41u);
     EXPECT_EQ(summary.previousFault, missing);
@@ -166,7 +166,7 @@ TEST_F(BuildReleaseTest, SameInputGivesTheSameBytes) {
     const Tree first = readTree(channel);
     fs::remove_all(channel);
 
-    // Written again in another order, with other times and attributes, on a machine in another time zone.
+    // The same files in another order, with other times and attributes, in another time zone.
     const Tree files = readTree(game);
     fs::remove_all(game);
     for (auto file = files.rbegin(); file != files.rend(); ++file)

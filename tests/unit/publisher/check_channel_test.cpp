@@ -40,7 +40,7 @@ protected:
         return found;
     }
 
-    /// Makes a channel from the game folder without any of the rules by which buildRelease() judges one.
+    /// Makes a channel from the game folder without the rules of buildRelease().
     [[nodiscard]] fs::path channelOfAnyFiles() const {
         GameFolder found;
         std::string error;

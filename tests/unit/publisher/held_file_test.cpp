@@ -1,4 +1,4 @@
-// What another program holds open cannot be read or replaced on Windows.
+// Files that another program holds open, which Windows then does not let anyone read or replace.
 
 #include "tests/support/held_file.h"
 

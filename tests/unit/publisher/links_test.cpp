@@ -18,7 +18,7 @@ using update::testing::writeFile;
 
 class LinksTest : public PublishingTest {
 protected:
-    /// The sentence about an installation from which no update can be planned; "" when one can.
+    /// Plans an update from the game folder and returns the sentence of a failure; "" when there was none.
     [[nodiscard]] std::string refusedPlanFromGame() const {
         std::ostringstream output;
         Console console(output, false);
@@ -43,7 +43,7 @@ TEST_F(LinksTest, LinkOnTheWayToAFileOfTheReleaseIsRefused) {
     EXPECT_THAT(refusedPlanFromGame(), HasSubstr("\"data/sound\" is a symbolic link"));
 }
 
-// Wine removes a link's target, and takes a link to a file for the file.
+// Wine removes the target of a link instead of the link, and shows a link to a file as a file.
 #ifndef _WIN32
 
 TEST_F(LinksTest, LinkBesideTheFilesOfAnInstallationDoesNotMatter) {

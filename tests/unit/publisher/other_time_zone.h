@@ -5,7 +5,7 @@
 
 namespace vorthmere::publish::testing {
 
-/// While it lives, local time is another one, farthest from that of the world.
+/// While it lives, local time is 14 hours ahead.
 class OtherTimeZone {
 public:
     OtherTimeZone() {

@@ -27,7 +27,7 @@ using update::testing::writeFile;
 
 class ReleaseRefusalsTest : public PublishingTest {
 protected:
-    /// Expects a refusal that leaves a channel as it was, and none where there was none.
+    /// Expects a refusal that leaves the channel and the game folder as remember() saw them.
     void expectRefusal(const ReleaseRequest& wanted, const ::testing::Matcher<std::string>& sentence) {
         EXPECT_THAT(refusalOf(wanted), AllOf(sentence, ::testing::EndsWith(".")));
         EXPECT_EQ(readTree(wanted.channel), channelBefore_);
@@ -253,7 +253,7 @@ TEST_F(ReleaseRefusalsTest, SameReleaseWhosePackageIsPackedDifferently) {
     offered.sha256 = facts.sha256;
     writeFile(channel / "KVN-release-42.zip.files", inventoryText(offered, inventoryOf(files)));
     writeFile(channel / "KVN-alpha.manifest", manifestText(offered));
-    // What is packed already is taken as it is.
+    // The build reuses entries that are packed already.
     EXPECT_EQ(refusalOf(42), "");
     fs::remove(channel / "KVN-release-42.zip");
     remember();

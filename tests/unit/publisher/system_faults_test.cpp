@@ -1,4 +1,4 @@
-// What comes of calls of the system that fail.
+// System calls that fail.
 
 #include <gmock/gmock.h>
 
