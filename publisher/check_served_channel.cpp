@@ -14,6 +14,7 @@
 #include "publisher/in_quotes.h"
 #include "publisher/parallel_work.h"
 #include "publisher/release_texts.h"
+#include "update/channel_request.h"
 #include "update/limits.h"
 #include "update/release_channel.h"
 #include "update/sha256_text.h"
@@ -23,7 +24,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr unsigned kFound = 200;
 constexpr unsigned kNotFound = 404;
 
 /// How many numbers below the offered one the check asks for inventories of.
@@ -89,7 +89,7 @@ private:
         console_.beginStep("Fetching the manifest", 0);
         fetch(std::string(update::kManifestName), update::kMaxManifestBytes, answer);
         console_.endStep();
-        if (answer.status == kFound && answer.cacheControl.find("no-store") == std::string::npos)
+        if (answer.status == update::kStatusOk && answer.cacheControl.find("no-store") == std::string::npos)
             faults_.insert(inQuotes(update::kManifestName) +
                            " may be cached on its way: it has no header \"Cache-Control: no-store\".");
         if (!readPublishedManifest(files_.folder(), manifest, fault) || !manifest) return;
@@ -183,7 +183,7 @@ private:
         std::string broken;
         if (!fetchHttps(address_ + name, caFile_, maxBytes, keep, answer, broken))
             fault = inQuotes(name) + " cannot be fetched: " + (fault.empty() ? broken : fault);
-        else if (answer.status != kFound)
+        else if (answer.status != update::kStatusOk)
             fault = inQuotes(name) + " is answered with HTTP " + std::to_string(answer.status) + ".";
         else if (!answer.contentEncoding.empty() && answer.contentEncoding != "identity")
             fault = inQuotes(name) + " is packed by the server (\"Content-Encoding: " + answer.contentEncoding +

@@ -7,8 +7,6 @@
 namespace vorthmere::update {
 namespace {
 
-constexpr std::uint32_t kStatusOk = 200;
-
 /// What the host is asked for: path and query, unchanged.
 std::wstring objectNameOf(const InternetAddress& address) {
     const std::wstring name = address.path + address.extraInfo;

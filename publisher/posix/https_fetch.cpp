@@ -17,8 +17,6 @@ namespace {
 constexpr long kConnectMilliseconds = update::kChannelTimeouts.resolve + update::kChannelTimeouts.connect;
 constexpr long kSilentSeconds = update::kChannelTimeouts.receive / 1000;
 
-constexpr unsigned kStatusOk = 200;
-
 struct CurlRelease {
     void operator()(CURL* handle) const {
         curl_easy_cleanup(handle);
@@ -51,7 +49,7 @@ std::size_t takeBody(char* bytes, std::size_t, std::size_t count, void* context)
     auto& transfer = *static_cast<Transfer*>(context);
     long status = 0;
     curl_easy_getinfo(transfer.handle, CURLINFO_RESPONSE_CODE, &status);
-    if (status != kStatusOk) return count;
+    if (status != update::kStatusOk) return count;
     transfer.received += count;
     if (isInterrupted())
         transfer.fault = interruptionSentence();
