@@ -122,6 +122,7 @@ TEST_F(PublisherWindowsTest, KilledWhileItRemovesWhatIsOldItLeavesASoundChannelA
         if (killAfter(changes, collect)) ++killed;
         const ToolEnd checked = check();
         ASSERT_EQ(checked.exitCode, 0) << "killed after change " << changes << "\n" << checked.output;
+        ASSERT_THAT(inventoriesThatLackObjects(channel_), testing::IsEmpty()) << "killed after change " << changes;
         ASSERT_EQ(runOnWindows(collect), 0) << "killed after change " << changes << "\n"
                                             << readFile(folder_ / "output");
         ASSERT_EQ(contentOf(channel_) == complete, true) << "killed after change " << changes;

@@ -37,6 +37,9 @@ ToolEnd runPublisher(const std::vector<std::string>& arguments, unsigned killAtC
 [[nodiscard]] std::vector<std::string> buildArguments(std::uint32_t release, const std::filesystem::path& game,
                                                       const std::filesystem::path& channel);
 
+/// The inventories of a channel that name an object which the channel does not have.
+[[nodiscard]] std::vector<std::string> inventoriesThatLackObjects(const std::filesystem::path& channel);
+
 /// The files of a release that was built with buildArguments(): those of the game folder and the generated ones.
 [[nodiscard]] ReleaseFiles publishedFiles(std::uint32_t release, const std::filesystem::path& game);
 
