@@ -6,7 +6,7 @@ else()
     set(defaultCache "$ENV{HOME}/.cache")
 endif()
 set(KVN_WINDOWS_LIBRARIES "${defaultCache}/kelvane-updater/windows-libraries" CACHE PATH
-    "What scripts/build-windows-libraries has built")
+    "What scripts/build-for-windows has built")
 if(NOT EXISTS "${KVN_WINDOWS_LIBRARIES}")
     message(FATAL_ERROR "${KVN_WINDOWS_LIBRARIES} is missing: run scripts/setup")
 endif()

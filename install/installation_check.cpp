@@ -1,7 +1,6 @@
 #include "install/installation_check.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 #include <system_error>
 
@@ -14,13 +13,10 @@
 namespace vorthmere::update {
 namespace {
 
-constexpr std::array<std::string_view, 3> kMarkerNames = {kGameExecutableName, kUpdaterExecutableName,
-                                                          kManagedFileListName};
-
 bool isInstallation(const std::filesystem::path& folder) {
     if (fileTypeOrThrow(folder, "status") != FileType::directory) return false;
     if (isReparsePoint(folder)) return false;
-    return std::all_of(kMarkerNames.begin(), kMarkerNames.end(), [&folder](std::string_view name) {
+    return std::all_of(kRequiredFiles.begin(), kRequiredFiles.end(), [&folder](std::string_view name) {
         return fileTypeOrThrow(folder / name, "status") == FileType::regular;
     });
 }

@@ -26,6 +26,7 @@
 #include "publisher/release_staging.h"
 #include "publisher/release_texts.h"
 #include "publisher/sha256.h"
+#include "update/incremental_update.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish {
@@ -33,7 +34,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// One publishing run; each step is a member, run() has their order.
+/// One publishing run. Each step is a member function; run() calls them in order.
 class ReleaseBuild {
 public:
     ReleaseBuild(const ReleaseRequest& request, Console& console, ReleaseSummary& summary)
@@ -80,7 +81,7 @@ private:
         console_.line("Note: " + sentence);
     }
 
-    // A channel that does not exist yet is neither created nor locked before everything was judged.
+    // A new channel is neither created nor locked before everything was judged.
     bool openChannel(std::string& error) {
         std::error_code failure;
         channelIsNew_ = factsOf(request_.channel, failure).kind == EntryKind::missing;
@@ -144,7 +145,7 @@ private:
         update::Manifest same = request_.details;
         same.size = published_->size;
         same.sha256 = published_->sha256;
-        same.url = std::string(update::kDownloadBaseUrl) + packageName(same.release);
+        same.url = update::channelAddress(packageName(same.release));
         std::string ignored;
         std::vector<update::InventoryEntry> entries;
         const bool isReadable =
@@ -165,7 +166,7 @@ private:
         return false;
     }
 
-    /// Another run that failed may remove the folder between the two calls.
+    /// Between the two calls another run that failed may remove the folder.
     bool createChannel(std::string& error) {
         constexpr int kTries = 10;
         for (int tried = 0; tried < kTries; ++tried) {
@@ -188,7 +189,7 @@ private:
         return judgeRepeatedPackage(error) && judgeUnknownPackage(error);
     }
 
-    /// A repetition takes what it can from the release itself, so that it comes out as it was published.
+    /// A repetition reuses the package of the release itself, so that the result is the published one.
     [[nodiscard]] PreviousRelease releaseToTakeFrom() const {
         const std::uint32_t release = request_.details.release;
         return findPreviousRelease(isRepetition() ? release + 1 : release, published_, request_.channel, listing_);
@@ -206,7 +207,7 @@ private:
         return false;
     }
 
-    /// Without a manifest nobody knows what was published, so nothing of the same number may change.
+    /// Without a manifest nobody knows what was published, so nothing with this number may change.
     bool judgeUnknownPackage(std::string& error) const {
         if (published_) return true;
         for (const auto& [name, found] : {std::pair{packageName(manifest_.release), packageInChannel()},
@@ -257,7 +258,7 @@ private:
     }
 
     void removeLeftovers(bool published) {
-        // The lock is held whenever the work folder, and a folder that this run made, is this run's own.
+        // Only a run that holds the lock may remove the work folder and the folders that it made.
         if (!lock_) return;
         std::string stays;
         static_cast<void>(removeTree(work_, stays));
@@ -278,7 +279,8 @@ private:
         summary_.previousFault = previous.fault;
         if (!previous.release || !previous.fault.empty()) return;
         const ReleaseDifference difference = compareReleases(previous.entries, inventoryOf(files_));
-        summary_.incrementalFromPrevious = request_.isDryRun || updatesIncrementally(difference, manifest_);
+        summary_.incrementalFromPrevious =
+            request_.isDryRun || update::updatesIncrementally(difference.bytesToFetch, manifest_);
         summary_.bytesFromPrevious = summary_.incrementalFromPrevious ? difference.bytesToFetch : manifest_.size;
     }
 
@@ -287,7 +289,7 @@ private:
     ReleaseSummary& summary_;
     const fs::path work_;
     bool channelIsNew_ = false;
-    bool contentIsTheSame_ = false;  ///< as that of the same release in the channel, whose inventory could be read
+    bool contentIsTheSame_ = false;  ///< as in the channel's readable inventory of this release
     std::vector<fs::path> made_;
     Descriptor lock_;
     std::optional<update::Manifest> published_;

@@ -2,66 +2,54 @@
 
 #include <system_error>
 
+#include "publisher/entry_facts.h"
 #include "publisher/in_quotes.h"
-#include "update/decimal.h"
+#include "update/inventory_header.h"
 #include "update/limits.h"
 #include "update/managed_path.h"
 #include "update/metadata_file.h"
+#include "update/metadata_keys.h"
 #include "update/release_channel.h"
+#include "update/text.h"
 
 namespace vorthmere::publish {
 namespace {
 
-bool readText(const std::filesystem::path& path, std::size_t maxBytes, std::string& text, std::string& error) {
-    std::wstring fault;
-    if (update::readMetadataFile(path, text, fault, maxBytes)) return true;
-    error.assign(fault.begin(), fault.end());
-    if (error.empty()) error = "Unable to read update metadata.";
+/// Unlike the updater, tells a missing file from one that it would refuse.
+bool isThere(const std::filesystem::path& path, std::string& error) {
+    std::error_code failure;
+    if (factsOfTarget(path, failure).kind != EntryKind::missing) return true;
+    error = inQuotes(path.filename()) + (failure ? " cannot be read: " + failure.message() + "." : " is missing.");
     return false;
 }
 
-/// Whether a file is there at all is no matter of the updater's rules.
-bool isThere(const std::filesystem::path& path, std::string& error) {
-    std::error_code failure;
-    switch (std::filesystem::status(path, failure).type()) {
-        case std::filesystem::file_type::not_found:
-            error = inQuotes(path.filename()) + " is missing.";
-            return false;
-        case std::filesystem::file_type::none:
-            error = inQuotes(path.filename()) + " cannot be read: " + failure.message() + ".";
-            return false;
-        default:
-            return true;
-    }
+/// @param fault the updater's sentence; empty when reading broke off
+std::string sentenceAbout(const std::filesystem::path& path, const std::wstring& fault) {
+    return inQuotes(path.filename()) + " would be refused by the updater: " +
+           (fault.empty() ? "Unable to read update metadata." : update::narrow(fault));
 }
 
-std::string sentenceAbout(const std::filesystem::path& path, const std::string& fault) {
-    return inQuotes(path.filename()) + " would be refused by the updater: " + fault;
-}
-
-bool takeHeaderField(std::string_view& text, std::string_view key, std::string_view& value) {
-    const std::string_view line = update::nextLine(text);
-    if (!line.starts_with(key)) return false;
-    value = line.substr(key.size());
-    return true;
-}
-
-/// The folder in which a manifest's package lies; empty when there is no such line.
+/// The address of the folder that holds a manifest's package; empty when no line names a package.
 std::string_view addressIn(std::string_view manifest) {
     std::string_view url;
     while (!manifest.empty())
-        if (takeHeaderField(manifest, "url=", url)) return url.substr(0, url.rfind('/') + 1);
+        if (update::readFieldLine(update::nextLine(manifest), update::key::url, url))
+            return url.substr(0, url.rfind('/') + 1);
     return {};
 }
 
 }  // namespace
 
 bool hasAddressOfTool(const std::filesystem::path& channel, std::string& error) {
-    std::string text;
-    std::string unreadable;
-    if (!readText(channel / update::kManifestName, update::kMaxManifestBytes, text, unreadable)) return true;
-    const std::string_view address = addressIn(text);
-    if (address.empty() || address == update::kDownloadBaseUrl) return true;
+    std::string address;
+    const auto findAddress = [&address](std::string_view text, std::string&) {
+        address = addressIn(text);
+        return true;
+    };
+    std::wstring unreadable;
+    const bool isReadable =
+        update::loadMetadataFile(channel / update::kManifestName, update::kMaxManifestBytes, findAddress, unreadable);
+    if (!isReadable || address.empty() || address == update::kDownloadBaseUrl) return true;
     error = "The channel is served at " + inQuotes(address) + ", and this kvn-release was built for " +
             inQuotes(update::kDownloadBaseUrl) + ": use the one that was built for the channel's address.";
     return false;
@@ -72,12 +60,11 @@ bool readPublishedManifest(const std::filesystem::path& channel, std::optional<u
     manifest.reset();
     const std::filesystem::path path = channel / update::kManifestName;
     std::error_code failure;
-    if (std::filesystem::symlink_status(path, failure).type() == std::filesystem::file_type::not_found) return true;
+    if (factsOf(path, failure).kind == EntryKind::missing && !failure) return true;
     if (!isThere(path, error)) return false;
-    std::string text;
-    std::string fault;
+    std::wstring fault;
     update::Manifest parsed;
-    if (readText(path, update::kMaxManifestBytes, text, fault) && update::parseManifest(text, parsed, fault)) {
+    if (update::loadManifest(path, parsed, fault)) {
         manifest = parsed;
         return true;
     }
@@ -87,13 +74,10 @@ bool readPublishedManifest(const std::filesystem::path& channel, std::optional<u
 
 bool readInventory(const std::filesystem::path& path, const update::Manifest& manifest,
                    std::vector<update::InventoryEntry>& entries, std::string& error) {
-    std::string text;
-    std::string fault;
+    std::wstring fault;
     entries.clear();
     if (!isThere(path, error)) return false;
-    if (readText(path, update::kMaxInventoryBytes, text, fault) &&
-        update::parseFileInventory(text, manifest, entries, fault))
-        return true;
+    if (update::loadFileInventory(path, manifest, entries, fault)) return true;
     entries.clear();
     error = sentenceAbout(path, fault);
     return false;
@@ -101,26 +85,17 @@ bool readInventory(const std::filesystem::path& path, const update::Manifest& ma
 
 bool readInventoryAlone(const std::filesystem::path& path, update::Manifest& manifest,
                         std::vector<update::InventoryEntry>& entries, std::string& error) {
-    std::string text;
-    std::string fault;
+    entries.clear();
     if (!isThere(path, error)) return false;
-    if (!readText(path, update::kMaxInventoryBytes, text, fault)) {
-        error = sentenceAbout(path, fault);
-        return false;
-    }
-    std::string_view rest = text;
-    std::string_view magic, archive, release, protocol, version;
-    if (!takeHeaderField(rest, "", magic) || !takeHeaderField(rest, "archive=", archive) ||
-        !takeHeaderField(rest, "release=", release) || !takeHeaderField(rest, "protocol=", protocol) ||
-        !takeHeaderField(rest, "version=", version) || !update::parseDecimal(release, manifest.release) ||
-        !update::parseDecimal(protocol, manifest.protocol)) {
-        error = inQuotes(path) + " is not a file inventory.";
-        return false;
-    }
-    manifest.sha256 = archive;
-    manifest.version = version;
-    if (update::parseFileInventory(text, manifest, entries, fault)) return true;
-    error = sentenceAbout(path, fault);
+    bool hasHeader = true;
+    const auto parse = [&](std::string_view text, std::string& fault) {
+        hasHeader = update::readInventoryHeader(text, manifest);
+        return hasHeader && update::parseFileInventory(text, manifest, entries, fault);
+    };
+    std::wstring fault;
+    if (update::loadMetadataFile(path, update::kMaxInventoryBytes, parse, fault)) return true;
+    entries.clear();
+    error = hasHeader ? sentenceAbout(path, fault) : inQuotes(path) + " is not a file inventory.";
     return false;
 }
 

@@ -9,18 +9,18 @@
 
 namespace vorthmere::publish {
 
-/// What stands in place of one of a channel's files.
+/// One of a channel's files as it was found.
 struct ChannelFile {
     enum class State { right, missing, wrongSize, corrupt, unreadable, notForEverybody, link, notAFile };
     State state = State::missing;
-    std::uint64_t size = 0;   ///< bytes that are there, of a file
-    std::string reason = {};  ///< the system's sentence, of a file that is unreadable
+    std::uint64_t size = 0;   ///< in bytes, of a file
+    std::string reason = {};  ///< one sentence, of an unreadable file
 
     [[nodiscard]] bool isRight() const {
         return state == State::right;
     }
 
-    /// True for something that stands in the way: a release may replace files, and nothing else.
+    /// True for a link or anything else that is not a file: a release replaces files only.
     [[nodiscard]] bool isInTheWay() const {
         return state == State::link || state == State::notAFile;
     }
@@ -30,12 +30,12 @@ struct ChannelFile {
 [[nodiscard]] ChannelFile compareFile(const std::filesystem::path& path, std::uint64_t size, std::string_view sha256,
                                       const BytesDone& done);
 
-/// Looks at a text file of the channel, whose content is judged elsewhere.
+/// Looks at a file of the channel without reading it.
 [[nodiscard]] ChannelFile lookAtFile(const std::filesystem::path& path);
 
 /// One sentence on what is wrong with a file; empty when nothing is.
 ///
-/// @param size what the file should have
+/// @param size bytes that the file should have
 [[nodiscard]] std::string faultOf(const ChannelFile& found, const std::filesystem::path& path, std::uint64_t size);
 
 }  // namespace vorthmere::publish

@@ -4,11 +4,12 @@
 #include <system_error>
 
 #include "publisher/channel.h"
+#include "publisher/entry_facts.h"
+#include "publisher/folder_names.h"
 #include "publisher/in_quotes.h"
 #include "publisher/release_texts.h"
 #include "update/decimal.h"
 #include "update/release_channel.h"
-#include "update/sha256_text.h"
 
 namespace vorthmere::publish {
 namespace {
@@ -24,15 +25,8 @@ std::uint32_t numberIn(const std::string& name) {
     return update::parseDecimal(std::string_view(name).substr(first, end - first), release) ? release : 0;
 }
 
-bool isObjectName(std::string_view name) {
-    if (!name.starts_with(update::kObjectNamePrefix) || !name.ends_with(update::kObjectNameSuffix)) return false;
-    name.remove_prefix(update::kObjectNamePrefix.size());
-    name.remove_suffix(update::kObjectNameSuffix.size());
-    return update::isSha256Text(name);
-}
-
 void takeName(const std::string& name, ChannelListing& listing) {
-    if (isObjectName(name)) {
+    if (update::isObjectName(name)) {
         listing.objects.push_back(name);
         return;
     }
@@ -47,10 +41,9 @@ void takeName(const std::string& name, ChannelListing& listing) {
 bool listChannel(const fs::path& channel, ChannelListing& listing, std::string& error) {
     listing = {};
     std::error_code failure;
-    fs::directory_iterator file(channel, failure);
-    if (failure == std::errc::no_such_file_or_directory) return true;
-    for (; !failure && file != fs::directory_iterator(); file.increment(failure))
-        takeName(file->path().filename().string(), listing);
+    if (factsOfTarget(channel, failure).kind == EntryKind::missing && !failure) return true;
+    for (const fs::path& name : namesIn(channel, failure))
+        takeName(name.string(), listing);
     if (failure) error = "The channel cannot be listed: " + failure.message() + ".";
     std::sort(listing.objects.begin(), listing.objects.end());
     return !failure;

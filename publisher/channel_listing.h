@@ -12,10 +12,10 @@
 
 namespace vorthmere::publish {
 
-/// Holds everything that is not yet published. Its name begins with a dot, which no address of an updater does.
+/// The folder for everything that is not yet published. No updater asks for a name that begins with a dot.
 inline constexpr std::string_view kWorkFolderName = ".kvn-release-work";
 
-/// The files of a channel by their names alone, whatever they hold.
+/// The files of a channel, by their names alone.
 struct ChannelListing {
     struct Release {
         bool hasPackage = false;

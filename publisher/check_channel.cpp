@@ -17,9 +17,7 @@
 #include "publisher/parallel_work.h"
 #include "publisher/path_rules.h"
 #include "publisher/release_texts.h"
-#include "update/limits.h"
 #include "update/managed_file_list.h"
-#include "update/metadata_file.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish {
@@ -59,7 +57,7 @@ public:
         checkTextFile(channel_ / update::kManifestName);
 
         Entries entries;
-        const fs::path inventory = channel_ / (packageNameOf(*manifest) + std::string(update::kInventorySuffix));
+        const fs::path inventory = channel_ / inventoryNameOf(*manifest);
         if (!readInventory(inventory, *manifest, entries, fault)) {
             report_.faults.push_back(fault);
         } else {
@@ -104,7 +102,7 @@ private:
         console_.beginStep("Checking the complete package", manifest.size + bytesOf(entries));
         const ChannelFile found = compareFile(package, manifest.size, manifest.sha256, done_);
         std::string fault = faultOf(found, package, manifest.size);
-        // What a sound package holds can be judged only by a sound inventory.
+        // Only a sound inventory tells what the package should hold.
         PackageFacts facts;
         if (fault.empty() && !entries.empty() && !verifyPackage(package, entries, {}, facts, done_, fault))
             fault = inQuotes(package.filename()) + ": " + fault;
@@ -148,16 +146,11 @@ private:
         const auto list = std::find_if(entries.begin(), entries.end(), [](const update::InventoryEntry& entry) {
             return entry.path == update::kManagedFileListName;
         });
-        std::string text;
-        std::wstring unreadable;
-        std::string fault;
         std::vector<std::string> listed;
-        const std::vector<std::string> paths = pathsOf(entries);
-        if (!update::readMetadataFile(channel_ / objectName(list->sha256), text, unreadable,
-                                      update::kMaxManagedFileListBytes) ||
-            !update::parseManagedFileList(text, listed, fault))
+        std::wstring refusal;
+        if (!update::loadManagedFileListFrom(channel_ / objectName(list->sha256), listed, refusal))
             report_.faults.push_back(inQuotes(list->path) + " would be refused by the updater.");
-        else if (std::set(paths.begin(), paths.end()) != std::set(listed.begin(), listed.end()))
+        else if (!update::namesSameFiles(entries, listed))
             report_.faults.push_back(inQuotes(list->path) + " and the file inventory do not name the same files.");
     }
 

@@ -9,19 +9,19 @@
 
 namespace vorthmere::publish {
 
-/// What was found out about a channel.
+/// The result of a check.
 struct ChannelReport {
-    std::uint32_t release = 0;  ///< that the channel offers; 0 when that cannot be told
+    std::uint32_t release = 0;  ///< the release that the channel offers; 0 when unknown
 
-    /// One sentence for each fault, naming the file; empty when every updater can install the release.
+    /// One sentence for each fault, with the name of the file; empty when every updater can install the release.
     std::vector<std::string> faults;
-    std::vector<std::string> notes;  ///< one sentence each on what is worth knowing and no fault
+    std::vector<std::string> notes;  ///< sentences about what is worth knowing but no fault
 };
 
-/// Reads the release that a channel offers as an updater would, by both ways: every object of its inventory, and the
-/// complete package with all that would be unpacked from it.
+/// Reads the release that a channel offers as an updater would, in both ways: every object of its inventory, and every
+/// file in its complete package.
 ///
-/// @param allowFolderChanges note a file that is a folder in an older release, or the reverse, as no fault
+/// @param allowFolderChanges report a file that is a folder in an older release, or the reverse, as a note, not a fault
 [[nodiscard]] ChannelReport checkChannel(const std::filesystem::path& channel, bool allowFolderChanges,
                                          Console& console);
 

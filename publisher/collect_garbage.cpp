@@ -51,7 +51,7 @@ private:
     }
 
     bool readKeptInventories(std::string& error) {
-        const std::string offered = packageNameOf(*published_) + std::string(update::kInventorySuffix);
+        const std::string offered = inventoryNameOf(*published_);
         std::vector<update::InventoryEntry> entries;
         if (!readInventory(request_.channel / offered, *published_, entries, error)) return refuse(error);
         need(entries);
@@ -97,7 +97,7 @@ private:
         const fs::path file = request_.channel / name;
         std::error_code failure;
         const EntryFacts facts = factsOf(file, failure);
-        // What is no file is nothing of a channel's, and stays.
+        // A link or a folder is no file of a channel, and stays.
         if (failure || facts.kind != EntryKind::file) return true;
         if (isInterrupted()) {
             error = "Interrupted; what was not yet removed is still there.";

@@ -13,10 +13,10 @@ namespace vorthmere::publish {
 struct GarbageRequest {
     std::filesystem::path channel;
 
-    /// How many releases stay, the published one and the newest before it; without a number all that have a package or
-    /// an inventory, those included that were begun and never published.
+    /// How many releases stay: the published one and the newest before it. Without a number every release stays that has
+    /// a package or an inventory, even one that was never published.
     std::optional<std::uint32_t> keep;
-    bool isDryRun = false;  ///< only tell
+    bool isDryRun = false;  ///< report only, remove nothing
 };
 
 struct GarbageSummary {
@@ -26,11 +26,11 @@ struct GarbageSummary {
     std::uint64_t removedBytes = 0;
 };
 
-/// Removes from a channel what no kept release needs. Packages go first, then inventories, and when these are off the
-/// disk the objects that no inventory names any more; so a run that ends early leaves nothing that lacks an object, and
-/// the next one completes it.
+/// Removes from a channel what no kept release needs: packages first, then inventories, and when these are off the disk,
+/// the objects that no inventory names any more. So a run that ends early leaves no release that lacks an object, and the
+/// next run completes the work.
 ///
-/// @param error receives one sentence, also when an inventory that stays cannot be read: what it needs is not known then
+/// @param error receives one sentence, also when an inventory that stays cannot be read: its objects are unknown then
 [[nodiscard]] bool collectGarbage(const GarbageRequest& request, Console& console, GarbageSummary& summary,
                                   std::string& error);
 

@@ -9,21 +9,24 @@
 #include "publisher/in_quotes.h"
 #include "publisher/release_details.h"
 #include "update/decimal.h"
+#include "update/limits.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish {
 namespace {
 
+constexpr std::uint32_t kGreatestProtocol = std::numeric_limits<std::uint16_t>::max();
+
 constexpr std::array kCommands = {"build", "check", "plan", "gc"};
 
-/// Numbers as they were written, so that the sentence about a wrong one is ours.
+/// Numbers as the user wrote them, so that the sentence about a wrong one is ours, not the library's.
 struct WrittenNumbers {
     std::string release;
     std::string protocol;
     std::string keep;
 };
 
-/// Paths as they were written, which is in UTF-8 on every system.
+/// The arguments are in UTF-8 on every system.
 std::filesystem::path pathOf(const std::string& text) {
     return std::filesystem::path(std::u8string(text.begin(), text.end()));
 }
@@ -68,14 +71,21 @@ void addBuild(CLI::App& build, Command& command, WrittenNumbers& numbers) {
     build.add_option("--release", numbers.release, "Release number, greater than that of the release published so far")
         ->required()
         ->type_name("NUMBER");
-    build.add_option("--version", details.version, "What players see, 1 to 48 printable ASCII characters")
+    build
+        .add_option(
+            "--version", details.version,
+            "What players see, 1 to " + std::to_string(update::kMaxVersionBytes) + " printable ASCII characters")
         ->required()
         ->type_name("TEXT");
-    build.add_option("--protocol", numbers.protocol, "Protocol number of the game, 1 to 65535")
+    build
+        .add_option("--protocol", numbers.protocol,
+                    "Protocol number of the game, 1 to " + std::to_string(kGreatestProtocol))
         ->required()
         ->type_name("NUMBER");
     build.add_flag("--mandatory", details.mandatory, "Mark the release as one that players have to take");
-    build.add_option("--notes", details.notes, "Release notes, at most 240 printable ASCII characters")
+    build
+        .add_option("--notes", details.notes,
+                    "Release notes, at most " + std::to_string(update::kMaxNotesBytes) + " printable ASCII characters")
         ->type_name("TEXT");
     addPath(build, "--from", request.gameFolder, "FOLDER", "Folder with the game's files; it is only read");
     addPath(build, "--channel", request.channel, "FOLDER", "Folder that the server serves; created when it is missing");
@@ -147,14 +157,14 @@ int refuse(const std::string& sentence) {
 bool readNumber(const std::string& text, const std::string& option, std::uint32_t greatest, std::uint32_t& number,
                 std::string& error) {
     if (update::parseDecimal(std::string_view(text), number) && number != 0 && number <= greatest) return true;
-    error = option + " must be a number from 1 to " + std::to_string(greatest) + ".";
+    error = numberRule(option, greatest);
     return false;
 }
 
 bool readBuild(const WrittenNumbers& numbers, update::Manifest& details, std::string& error) {
     std::uint32_t protocol = 0;
     if (!readNumber(numbers.release, "--release", std::numeric_limits<std::uint32_t>::max(), details.release, error) ||
-        !readNumber(numbers.protocol, "--protocol", std::numeric_limits<std::uint16_t>::max(), protocol, error))
+        !readNumber(numbers.protocol, "--protocol", kGreatestProtocol, protocol, error))
         return false;
     details.protocol = static_cast<std::uint16_t>(protocol);
     return judgeDetails(details, error);

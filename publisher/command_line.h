@@ -16,7 +16,7 @@ inline constexpr int kRefused = 1;
 inline constexpr int kWrongCommandLine = 2;
 
 struct CheckRequest {
-    std::string address;            ///< of a channel that is served, ending in "/"; empty for a folder
+    std::string address;            ///< of a served channel, ending in "/"; empty for a folder
     std::filesystem::path channel;  ///< the folder
     std::filesystem::path caFile;   ///< certificates to trust instead of the system's
     bool allowFolderChanges = false;
@@ -41,10 +41,10 @@ struct Command {
     bool asJson = false;   ///< print one object instead of sentences
 };
 
-/// Reads the command line. Prints help, the version, or what is wrong.
+/// Reads the command line. Prints help, the version, or what is wrong with the command line.
 ///
 /// @param arguments without the program's name
-/// @return nothing when the command is to be run, else the exit code
+/// @return nothing when there is a command to run, else the exit code
 [[nodiscard]] std::optional<int> parseCommandLine(std::vector<std::string> arguments, Command& command);
 
 }  // namespace vorthmere::publish

@@ -76,7 +76,7 @@ void Console::draw(unsigned percent) {
     std::ostringstream bar;
     bar << '[' << std::string(filled, '#') << std::string(kBarWidth - filled, '.') << "] " << percent << "% " << step_;
     std::string text = bar.str();
-    // A terminal that has to wrap a line cannot draw over it. The last column may make some wrap.
+    // A line that a terminal wraps cannot be drawn over. Some terminals wrap at the last column already.
     if (width_ != 0 && text.size() >= width_) text.resize(width_ - 1);
     output_ << '\r' << text;
     flush();

@@ -13,28 +13,28 @@ namespace vorthmere::publish {
 /// "123 bytes", "1.5 MiB (1,572,864 bytes)".
 [[nodiscard]] std::string sizeOf(std::uint64_t bytes);
 
-/// Shows one step of long work after the other: as a bar on a terminal, else as one line a step. When what it prints
-/// cannot be written any more, the work is interrupted.
+/// Shows the steps of long work: as a bar on a terminal, else as one line a step. When it can no longer print, it
+/// interrupts the work.
 class Console {
 public:
-    /// @param width columns of the terminal; a bar with its text takes one less, so that it stays on one line
+    /// @param width columns of the terminal; a bar with its text takes at most one less, and so stays on one line
     Console(std::ostream& output, bool isTerminal, unsigned width = 80)
         : output_(output), isTerminal_(isTerminal), width_(width) {}
 
-    /// From now on nothing is shown.
+    /// Shows nothing from now on.
     void silence() {
         isSilent_ = true;
     }
 
     void line(const std::string& text);
 
-    /// @param total bytes that the step has to deal with
+    /// @param total bytes that the step will process
     void beginStep(const std::string& text, std::uint64_t total);
 
     /// May be called by several threads at once.
     void advance(std::uint64_t bytes);
 
-    /// To be called also when a step failed, so that nothing is printed behind a bar.
+    /// Also to be called when a step failed, so that the next output starts on a new line.
     void endStep();
 
 private:

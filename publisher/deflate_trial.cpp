@@ -9,11 +9,11 @@
 namespace vorthmere::publish {
 namespace {
 
-/// What is tried of a block: pieces from all over it, each long enough for repetitions to be found.
+/// The tried pieces come from all over a block. Each is long enough for deflate to find repetitions.
 constexpr std::size_t kPieces = 8;
 constexpr std::size_t kPieceBytes = 8192;
 
-/// A file that would shrink by less than 3 % is stored.
+/// A file that would shrink by less than 3 % is not deflated.
 constexpr std::uint64_t kWorthwhilePercent = 97;
 
 }  // namespace

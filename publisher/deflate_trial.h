@@ -5,8 +5,8 @@
 
 namespace vorthmere::publish {
 
-/// Finds out while a file is being read whether it is worth deflating. Most of a game's bytes are packed already
-/// (sound, textures); deflating them again costs most of the time that a package takes and gains nothing.
+/// Finds out whether a file is worth deflating, while somebody reads it. Most of a game's bytes are packed already
+/// (sound, textures). Deflating them again would take most of the time of a build and gain nothing.
 class DeflateTrial {
 public:
     /// Takes the file's next bytes and tries a part of them.
@@ -14,8 +14,7 @@ public:
     /// @throws std::runtime_error when there is no memory left
     void add(std::span<const char> block);
 
-    /// True unless the parts that were tried hardly shrank. Depends on the content only, provided that it was added in
-    /// blocks of kBlockBytes.
+    /// True unless the tried parts hardly shrank. Depends on the content only, if it was added in blocks of kBlockBytes.
     [[nodiscard]] bool isWorthIt() const;
 
 private:

@@ -37,7 +37,7 @@ private:
     std::intptr_t descriptor_ = kNone;
 };
 
-/// A file that is read. Every failure leaves one sentence with the system's reason.
+/// A file that is open for reading. Every failure leaves one sentence with the system's reason.
 class InputFile {
 public:
     [[nodiscard]] bool open(const std::filesystem::path& path, std::string& error);
@@ -52,7 +52,7 @@ private:
     Descriptor file_;
 };
 
-/// A file that is written once, and that everybody may read, whatever the process's umask. Every failure leaves one
+/// A file that is open for writing. Everybody may read it, whatever the process's umask. Every failure leaves one
 /// sentence with the system's reason.
 class OutputFile {
 public:
@@ -77,22 +77,21 @@ private:
 /// create(), write() and finish() in one.
 [[nodiscard]] bool writeFile(const std::filesystem::path& path, std::string_view text, std::string& error);
 
-/// Creates a folder and those above it, as far as they are missing, so that everybody may list and enter them, whatever
-/// the process's umask. Folders that are there already keep their permissions. Each new folder is on the disk, entered
-/// in the one above it, before this returns.
+/// Creates a folder, and those above it that are missing. Everybody may list and enter the new ones, whatever the
+/// process's umask; existing ones keep their permissions. Each new folder is on the disk when this returns.
 ///
-/// @param made receives the folders that this call made, the outermost first; also after a failure
+/// @param made receives the new folders, the outermost first; also after a failure
 [[nodiscard]] bool createFolders(const std::filesystem::path& folder, std::vector<std::filesystem::path>& made,
                                  std::string& error);
 
-/// Renames a file, replacing the one that stands at `to`: whoever opens `to` gets the one file or the other, whole.
+/// Renames a file and replaces the one at `to`. Whoever opens `to` gets the old file or the new one, whole.
 [[nodiscard]] bool moveIntoPlace(const std::filesystem::path& from, const std::filesystem::path& to,
                                  std::string& error);
 
 /// Removes one file.
 [[nodiscard]] bool removeFile(const std::filesystem::path& file, std::string& error);
 
-/// Removes a folder with all that is in it, but nothing that links in it lead to. One that does not exist is no error.
+/// Removes a folder with its content, but nothing beyond a link. A missing folder is no error.
 [[nodiscard]] bool removeTree(const std::filesystem::path& folder, std::string& error);
 
 /// Returns once the renames in a folder are on the disk.
@@ -104,8 +103,8 @@ private:
 /// @return false with a sentence when another process holds the lock or the folder cannot be opened or locked
 [[nodiscard]] bool lockFolder(const std::filesystem::path& folder, Descriptor& lock, std::string& error);
 
-/// Removes folders that createFolders() has made, as far as they are empty, and gives up the lock on the innermost. No
-/// folder is removed that another process has locked.
+/// Removes those folders made by createFolders() that are empty, and gives up the lock on the innermost. Never removes a
+/// folder that another process has locked.
 void removeMadeFolders(const std::vector<std::filesystem::path>& made, Descriptor lock);
 
 }  // namespace vorthmere::publish

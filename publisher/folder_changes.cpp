@@ -18,7 +18,7 @@ Files filesOf(const ListedRelease& release) {
     return files;
 }
 
-/// A clause about the first path of `holder` that has a file of `files` as a folder.
+/// A clause about the first path of `holder` that runs through a file of `files`.
 std::string firstFileThatIsAFolder(const Files& files, const ListedRelease& fileRelease, const ListedRelease& holder) {
     for (const update::InventoryEntry& entry : holder.entries) {
         const std::string key = update::toAsciiLower(entry.path);

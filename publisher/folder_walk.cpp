@@ -4,6 +4,7 @@
 #include <system_error>
 #include <vector>
 
+#include "publisher/folder_names.h"
 #include "publisher/in_quotes.h"
 
 namespace vorthmere::publish {
@@ -11,12 +12,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// In byte order, so that what is said of a folder does not depend on the file system.
+/// In byte order, so that the sentences about a folder do not depend on the file system.
 bool listNames(const fs::path& folder, std::vector<fs::path>& names, std::string& error) {
     std::error_code failure;
-    fs::directory_iterator entry(folder, failure);
-    for (; !failure && entry != fs::directory_iterator(); entry.increment(failure))
-        names.push_back(entry->path().filename());
+    names = namesIn(folder, failure);
     if (failure) error = "The folder " + inQuotes(folder) + " cannot be read: " + failure.message() + ".";
     std::sort(names.begin(), names.end());
     return !failure;

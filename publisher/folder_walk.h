@@ -9,15 +9,15 @@
 namespace vorthmere::publish {
 
 struct WalkedEntry {
-    std::string path;             ///< relative to the folder that is walked, with "/" between components
-    std::filesystem::path place;  ///< where it lies
+    std::string path;             ///< relative to the walked folder, with "/" between components
+    std::filesystem::path place;  ///< the whole path
     EntryFacts facts;
 };
 
-/// Visits everything below a folder, a folder before what is in it, and never what lies behind a link.
+/// Visits everything below a folder, each folder before its content. Does not follow links.
 ///
-/// @param visit returns true for a folder that is to be entered; of other entries the result does not matter
-/// @param error receives one sentence when an entry or the list of a folder cannot be read
+/// @param visit returns true to enter a folder; for other entries the result does not matter
+/// @param error receives one sentence when an entry or a folder cannot be read
 [[nodiscard]] bool walkFolder(const std::filesystem::path& folder, const std::function<bool(const WalkedEntry&)>& visit,
                               std::string& error);
 

@@ -21,7 +21,7 @@ bool isGenerated(std::string_view path) {
     return path == update::kManagedFileListName || path == update::kReleaseMarkerName;
 }
 
-/// Sorts what is in a game folder into what is published, what is left out and what is refused.
+/// Sorts the content of a game folder into published, left out and refused.
 class GameListing {
 public:
     GameListing(const GameFolderPatterns& patterns, GameFolder& found) : found_(found) {
@@ -43,13 +43,13 @@ public:
             if (!readFile(file, take, error)) return false;
             excluded_.addLines(text);
         }
-        // The command line has the last word.
+        // The last pattern decides, and the command line shall have the last word.
         for (const std::string& pattern : given_)
             excluded_.add(pattern);
         return true;
     }
 
-    /// @return true when a folder is to be entered
+    /// @return true to enter a folder
     bool take(const WalkedEntry& entry) {
         const bool isFolder = entry.facts.kind == EntryKind::folder;
         if (entry.path == kIgnoreFileName && !isFolder) return false;

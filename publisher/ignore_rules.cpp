@@ -13,7 +13,7 @@ std::string_view withoutTrailingSpaces(std::string_view line) {
 
 /// @param pattern begins with "["; on success what follows the class remains
 /// @param fits    whether `character` is in the class
-/// @return false when the class has no end; a "[" is then a character like others
+/// @return false when the class has no end; then "[" is a character like others
 bool takeClass(std::string_view& pattern, char character, bool& fits) {
     std::size_t i = 1;
     const bool isNegated = i < pattern.size() && (pattern[i] == '!' || pattern[i] == '^');

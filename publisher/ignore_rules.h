@@ -17,7 +17,7 @@ public:
     /// Takes one pattern.
     void add(std::string_view pattern);
 
-    /// True when the path is to be left out. What is in a folder that is left out is not to be asked for.
+    /// True when the path is left out. Do not ask for paths below a folder that is left out.
     ///
     /// @param path relative, with "/" between components
     [[nodiscard]] bool matches(std::string_view path, bool isFolder) const;

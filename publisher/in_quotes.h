@@ -6,8 +6,7 @@
 
 namespace vorthmere::publish {
 
-/// A name as it stands in a sentence. Control characters, with which a name could change what a terminal shows, are
-/// written as "\x1B".
+/// Puts a name into quotes. Control characters could change what a terminal shows and become "\x1B" and the like.
 [[nodiscard]] std::string inQuotes(std::string_view name);
 [[nodiscard]] std::string inQuotes(const std::string& name);
 [[nodiscard]] std::string inQuotes(const char* name);

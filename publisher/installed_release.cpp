@@ -16,6 +16,7 @@
 #include "update/limits.h"
 #include "update/managed_file_list.h"
 #include "update/metadata_file.h"
+#include "update/metadata_text.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish {
@@ -42,7 +43,7 @@ std::set<std::string> keysOf(const Entries& wanted) {
     return keys;
 }
 
-/// Unlike a game folder, an installation may hold anything beside the files of the release.
+/// Unlike a game folder, an installation may hold anything besides the files of the release.
 bool listInstallation(const fs::path& folder, const Entries& wanted, std::vector<ReleaseFile>& files,
                       std::string& error) {
     const std::set<std::string> wantedKeys = keysOf(wanted);
@@ -63,23 +64,23 @@ bool listInstallation(const fs::path& folder, const Entries& wanted, std::vector
 bool readManagedPaths(std::vector<ReleaseFile>& files, std::vector<std::string>& managed, std::string& error) {
     const auto list = findFile(files, update::kManagedFileListName);
     if (list != files.end()) {
-        std::string text;
-        std::wstring unreadable;
         std::string fault = "it cannot be read, is empty or too large.";
-        if (update::readMetadataFile(list->source, text, unreadable, update::kMaxManagedFileListBytes) &&
-            update::parseManagedFileList(text, managed, fault))
-            return true;
+        const auto parse = [&](std::string_view text, std::string&) {
+            return update::parseManagedFileList(text, managed, fault);
+        };
+        std::wstring ignored;
+        if (update::loadMetadataFile(list->source, update::kMaxManagedFileListBytes, parse, ignored)) return true;
         error = "The updater would refuse " + inQuotes(list->source) + ": " + fault;
         return false;
     }
 
-    // What the release that was built from this folder has in addition; its number and thus its marker are not known.
+    // The release that was built from this folder also has a list and a marker. The marker's content is unknown.
     for (const ReleaseFile& file : files)
         managed.push_back(file.entry.path);
     if (findFile(files, update::kReleaseMarkerName) == files.end()) managed.emplace_back(update::kReleaseMarkerName);
     managed.emplace_back(update::kManagedFileListName);
     std::sort(managed.begin(), managed.end());
-    const std::string text = managedFileListText(managed);
+    const std::string text = update::managedFileListText(managed);
     files.push_back({{std::string(update::kManagedFileListName), {}, text.size()}, {}, text});
     return true;
 }
@@ -114,8 +115,7 @@ bool readFolder(const fs::path& folder, const Entries& wanted, Console& console,
 bool readOffer(const fs::path& channel, const update::Manifest& offered, InstalledRelease& installed,
                std::string& error) {
     installed.release = offered.release;
-    return readInventory(channel / (packageNameOf(offered) + std::string(update::kInventorySuffix)), offered,
-                         installed.entries, error);
+    return readInventory(channel / inventoryNameOf(offered), offered, installed.entries, error);
 }
 
 bool readAlone(const fs::path& inventory, InstalledRelease& installed, std::string& error) {

@@ -4,11 +4,11 @@
 
 namespace vorthmere::publish {
 
-/// Lets the work end in order, with everything removed that it has begun, when somebody presses Ctrl+C, ends the
-/// session, or closes what the program prints to. The work asks isInterrupted() at least once for each megabyte.
+/// Lets the work end in order and remove what it has begun when somebody presses Ctrl+C, ends the session, or closes
+/// the program's output. The work calls isInterrupted() at least once for each megabyte.
 void watchForInterruptions();
 
-/// Ends the work as a signal would. For output that cannot be written any more.
+/// Ends the work as a signal would, when the program can no longer print.
 void interrupt(const std::string& reason);
 
 [[nodiscard]] bool isInterrupted();
@@ -16,8 +16,8 @@ void interrupt(const std::string& reason);
 /// One sentence on why.
 [[nodiscard]] std::string interruptionSentence();
 
-/// To be called last after an interruption: ends the process by the signal that asked for it, as others expect who
-/// wait for this process. Returns when there was none.
+/// To be called last after an interruption. Ends the process by the signal that interrupted it, as a process that waits
+/// for this one expects. Returns when there was no signal.
 void endAsInterrupted();
 
 }  // namespace vorthmere::publish

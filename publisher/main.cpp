@@ -14,8 +14,9 @@ namespace vorthmere::publish {
 namespace {
 
 ChannelReport checkAsAsked(const CheckRequest& request, Console& console) {
-    return request.address.empty() ? checkChannel(request.channel, request.allowFolderChanges, console)
-                                   : checkServedChannel(request.address, request.caFile, console);
+    return request.address.empty()
+               ? checkChannel(request.channel, request.allowFolderChanges, console)
+               : checkServedChannel(request.address, request.caFile, request.allowFolderChanges, console);
 }
 
 void run(const Command& command, Console& console, Outcome& outcome) {
@@ -46,7 +47,7 @@ void printErrors(const std::string& sentences) {
     }
 }
 
-/// @return false with a sentence when a part of what was printed has not arrived
+/// @return false with a sentence when not everything could be printed
 bool flushOutput() {
     errno = 0;
     if (std::cout.flush()) return true;
@@ -65,7 +66,7 @@ int runCommandLine(int argc, char** argv) {
     if (command.isQuiet || command.asJson) console.silence();
     Outcome outcome;
     run(command, console, outcome);
-    // What was found out until then is no result, unless everything was done before.
+    // An interrupted check has no result. A build or gc that was complete before has one.
     const bool changesFiles = command.action == Action::build || command.action == Action::collectGarbage;
     const bool wasCutOff = isInterrupted() && !(outcome.hasSucceeded && changesFiles);
     if (wasCutOff) {

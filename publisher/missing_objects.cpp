@@ -54,7 +54,7 @@ bool findMissingObjects(const std::vector<ReleaseFile>& files, const std::filesy
         },
         error);
     console.endStep();
-    // So that the game folder is read in its own order.
+    // Staging then reads the game folder in its own order.
     std::sort(missing.files.begin(), missing.files.end());
     return looked;
 }

@@ -14,14 +14,14 @@ namespace vorthmere::publish {
 struct MissingObjects {
     std::vector<const ReleaseFile*> files;  ///< one for each content, in the order of the release
     std::uint64_t bytes = 0;
-    std::uint64_t distinct = 0;  ///< contents of the release, those included that the channel has
-    std::uint64_t damaged = 0;   ///< of the missing ones, those in whose place something wrong stands
+    std::uint64_t distinct = 0;  ///< all contents of the release, also those that the channel has
+    std::uint64_t damaged = 0;   ///< missing ones that are in the channel with wrong content
 };
 
 /// Reads every object of a release that the channel has.
 ///
 /// @param files with digests; the result points into it
-/// @param error receives a sentence when something that is no file stands in an object's place
+/// @param error receives a sentence when something that is no file has an object's name
 [[nodiscard]] bool findMissingObjects(const std::vector<ReleaseFile>& files, const std::filesystem::path& channel,
                                       Console& console, MissingObjects& missing, std::string& error);
 

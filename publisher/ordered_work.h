@@ -8,10 +8,10 @@
 
 namespace vorthmere::publish {
 
-/// Makes parts on all processors at once and takes them one by one, in their order, on the calling thread. However many
-/// processors there are, no more than a few dozen parts exist at a time.
+/// Makes parts on all processors at once and takes them one by one, in order, on the calling thread. No more than a few
+/// dozen parts exist at a time, however many processors there are.
 ///
-/// @param make  may be called by several threads at the same time; returns false with a sentence to stop the work
+/// @param make  several threads may call it at once; returns false with a sentence to stop the work
 /// @param take  called with the parts from 0 to `count` - 1; returns false with a sentence to stop the work
 /// @param error receives the sentence of what failed first
 /// @throws whatever `make` has thrown, after all threads have ended

@@ -28,7 +28,7 @@ struct ReadArchiveRelease {
     }
 };
 
-/// What the library reads from.
+/// The input of the library.
 struct PackageInput {
     InputFile file;
     std::uint64_t size = 0;
@@ -56,7 +56,7 @@ la_int64_t seekTo(archive*, void* context, la_int64_t offset, int origin) {
 class PackageReader {
 public:
     bool open(const std::filesystem::path& package, std::string& error) {
-        // The library jumps from entry to entry, and most are smaller than a block for copying.
+        // The library jumps from entry to entry, and most entries are smaller than a block for copying.
         constexpr std::size_t kReadBytes = 65536;
         input_.block.resize(kReadBytes);
         input_.size = lookAtFile(package).size;
@@ -71,14 +71,14 @@ public:
         return opened || fail(error);
     }
 
-    /// @return true with the next entry, or with none at the end
+    /// @return false on a failure; true with the next entry, or with none at the end
     bool next(archive_entry*& entry, std::string& error) {
         const int result = archive_read_next_header(zip_.get(), &entry);
         if (result == ARCHIVE_EOF) entry = nullptr;
         return result == ARCHIVE_OK || result == ARCHIVE_EOF || fail(error);
     }
 
-    /// Unpacks the current entry into nothing, but no more of it than one block above `maxBytes`.
+    /// Unpacks the current entry without keeping it, at most one block more than `maxBytes`.
     bool measure(std::uint64_t maxBytes, std::uint64_t& size, std::string& sha256, const BytesDone& done,
                  std::string& error) {
         Sha256 digest;
@@ -147,8 +147,8 @@ bool listingIsAccepted(const std::filesystem::path& package, const Expected& exp
     return error.empty();
 }
 
-/// Unpacks every `stride`-th entry, from the one numbered `first` on: one reader can only go through an archive entry
-/// by entry, so several share the work.
+/// Unpacks every `stride`-th entry, from the one numbered `first` on. A reader goes through an archive entry by entry, so
+/// several readers share the work.
 bool contentsMatch(const std::filesystem::path& package, const Expected& expected, const Known& known,
                    std::size_t first, std::size_t stride, const BytesDone& done, std::string& error) {
     PackageReader reader;

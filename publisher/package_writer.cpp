@@ -14,9 +14,9 @@ namespace {
 /// A part of the package that one thread makes.
 struct Job {
     const ReleaseFile* file;
-    const ZipEntry* ready;  ///< the entry of the previous package that it is taken from, or null
+    const ZipEntry* ready;  ///< its entry in the previous package, or null
     PackingMethod method;
-    std::uint64_t offset;  ///< into the content, or into the packed bytes of what is ready
+    std::uint64_t offset;  ///< into the content, or into the packed bytes of `ready`
     std::size_t size;
     bool isFirst;
     bool isLast;
@@ -40,7 +40,7 @@ std::vector<Job> jobsFor(const std::vector<ReleaseFile>& files, const PreviousPa
     for (const ReleaseFile& file : files) {
         const PackingMethod method = deflatesAll || file.worthDeflating ? PackingMethod::deflate : PackingMethod::store;
         const ZipEntry* ready = previous ? previous->find(file.entry, file.crc) : nullptr;
-        // So that a package does not depend on what is taken from another one.
+        // The bytes of a package must not depend on what comes from another one.
         if (ready && ready->method != method) ready = nullptr;
         addJobs({&file, ready, method, 0, 0, false, false}, ready ? ready->packedSize : file.entry.size, jobs);
     }
@@ -51,9 +51,9 @@ std::string changed(const ReleaseFile& file) {
     return inQuotes(file.entry.path) + " changed while the release was being built; let nothing write to it.";
 }
 
-/// Reads the content of a job and, of what is deflated, what stands before it.
+/// Reads the content of a job and, for deflate, the bytes before it.
 ///
-/// @param before receives the number of bytes in front that are not the job's own
+/// @param before receives the number of bytes in front that do not belong to the job
 bool readJob(const Job& job, std::vector<char>& content, std::size_t& before, std::string& error) {
     const ReleaseFile& file = *job.file;
     const std::uint64_t lookBack = job.method == PackingMethod::deflate ? kDeflateWindowBytes : 0;
@@ -65,7 +65,7 @@ bool readJob(const Job& job, std::vector<char>& content, std::size_t& before, st
         return true;
     }
     InputFile input;
-    // One byte more at the end tells that the file has grown.
+    // One byte more would mean that the file has grown.
     content.resize(before + job.size + (job.isLast ? 1 : 0));
     std::size_t count = 0;
     if (!input.open(file.source, error) || !input.readAt(begin, content, count, error)) return false;
@@ -133,7 +133,7 @@ private:
     std::uint32_t crc_ = 0;
 };
 
-/// Files that are stored take their own size, so that this much is known before.
+/// Stored files keep their size, so their sum is known beforehand.
 bool storedFilesFit(const std::vector<ReleaseFile>& files, std::uint64_t maxBytes) {
     std::uint64_t stored = 0;
     for (const ReleaseFile& file : files)

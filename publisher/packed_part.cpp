@@ -10,10 +10,10 @@ namespace {
 constexpr int kDeflateLevel = 6;
 constexpr int kMemoryLevel = 8;
 
-/// More than a flush between two parts adds.
+/// A flush between two parts adds less than this.
 constexpr std::size_t kFlushBytes = 64;
 
-// The library's interface takes bytes that may be written to and does not write to them.
+// The library takes a pointer to mutable bytes but does not write to them.
 Bytef* bytesOf(std::span<const char> bytes) {
     return const_cast<Bytef*>(reinterpret_cast<const Bytef*>(bytes.data()));
 }
@@ -61,7 +61,7 @@ PackedPart storePart(std::span<const char> content) {
 }
 
 PackedPart deflatePart(std::span<const char> before, std::span<const char> content, bool isLast) {
-    // Not one for each thread: GCC's library on Windows frees the memory of a thread's objects before it destroys them.
+    // Not thread_local: on Windows GCC's library frees the memory of a thread's objects before it destroys them.
     return withFactsOf(content, Deflation().run(before, content, isLast));
 }
 

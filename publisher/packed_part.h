@@ -6,7 +6,7 @@
 
 namespace vorthmere::publish {
 
-/// A part of an entry of a package, as it stands in it.
+/// A part of a package's entry, packed.
 struct PackedPart {
     std::vector<char> bytes;
     std::uint32_t crc = 0;          ///< CRC-32 of the content, before it was packed
@@ -16,13 +16,13 @@ struct PackedPart {
 /// Bytes before a part that deflate looks back to.
 inline constexpr std::size_t kDeflateWindowBytes = 32768;
 
-/// Packs a part as it is.
+/// Stores a part as it is.
 [[nodiscard]] PackedPart storePart(std::span<const char> content);
 
-/// Deflates a part of a content so that the parts in their order are one stream. What comes out depends on nothing but
-/// the parameters and the version of zlib.
+/// Deflates a part of a content. The parts in order make one stream. The result depends on nothing but the parameters
+/// and the version of zlib.
 ///
-/// @param before what stands before the part, up to kDeflateWindowBytes
+/// @param before the bytes before the part, up to kDeflateWindowBytes
 /// @param isLast ends the stream
 /// @throws std::runtime_error when there is no memory left
 [[nodiscard]] PackedPart deflatePart(std::span<const char> before, std::span<const char> content, bool isLast);

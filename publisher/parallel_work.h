@@ -8,10 +8,9 @@ namespace vorthmere::publish {
 
 /// Calls `task` once for each index from 0 to `count` - 1, on all processors at once, in no particular order.
 ///
-/// @param task  may be called by several threads at the same time; returns false with a sentence to stop the work
+/// @param task  several threads may call it at once; returns false with a sentence to stop the work
 /// @param error receives the sentence of the first task that failed
-/// @return true when every task returned true; false also leaves out the tasks that had not begun.
-///         An interruption stops the work like a task that failed.
+/// @return true when every task returned true. After a failure or an interruption no further task begins.
 /// @throws whatever the first task that threw has thrown, after all threads have ended
 [[nodiscard]] bool forEachInParallel(std::size_t count,
                                      const std::function<bool(std::size_t index, std::string& error)>& task,

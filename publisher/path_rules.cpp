@@ -1,5 +1,6 @@
 #include "publisher/path_rules.h"
 
+#include <algorithm>
 #include <map>
 
 #include "publisher/in_quotes.h"
@@ -11,10 +12,8 @@
 namespace vorthmere::publish {
 namespace {
 
-constexpr std::string_view kAllowedCharacters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789 -._";
-
 std::string brokenComponentRule(std::string_view component) {
-    if (component.find_first_not_of(kAllowedCharacters) != std::string_view::npos)
+    if (!std::all_of(component.begin(), component.end(), update::isManagedNameByte))
         return "only ASCII letters, digits, spaces and the characters \"-\", \".\" and \"_\" may be in a name";
     if (component.ends_with('.') || component.ends_with(' '))
         return "no name may end in a full stop or a space, which Windows drops";

@@ -14,27 +14,27 @@
 
 namespace vorthmere::publish {
 
-/// The package of an earlier release, from which the entries of unchanged files are taken as they are packed.
+/// The package of an earlier release. A build copies the entries of unchanged files from it without packing them anew.
 class PreviousPackage {
 public:
     /// Lists the package.
     ///
-    /// @param sha256  that it should have
+    /// @param sha256  the digest that it should have
     /// @param entries what it holds
-    /// @return false when nothing can be taken from it, for whatever reason
+    /// @return false when it is of no use, for whatever reason
     [[nodiscard]] bool open(const std::filesystem::path& package, std::string_view sha256,
                             const std::vector<update::InventoryEntry>& entries);
 
-    /// Reads the whole package. Nothing may be taken from one that has another digest than it should have.
+    /// Reads the whole package. One with another digest is of no use.
     [[nodiscard]] bool hasItsDigest(const BytesDone& done) const;
 
     /// The entry of a file with this content; null when there is none.
     ///
-    /// @param crc of the content: an entry that was packed from something else is not taken
+    /// @param crc of the content: an entry with another one does not count
     [[nodiscard]] const ZipEntry* find(const update::InventoryEntry& content, std::uint32_t crc) const;
 
-    /// True when the package shows of each of its files whether deflating it is worth it: not one in which everything
-    /// is deflated, which may have been done to make it fit.
+    /// True when the package shows which files are worth deflating. One in which everything is deflated does not: that
+    /// may have been done to make it fit.
     [[nodiscard]] bool tellsWhatIsWorthDeflating() const {
         return hasStoredFile_;
     }

@@ -2,7 +2,6 @@
 
 #include "publisher/channel.h"
 #include "publisher/release_texts.h"
-#include "update/release_channel.h"
 
 namespace vorthmere::publish {
 namespace {
@@ -24,8 +23,7 @@ PreviousRelease findPreviousRelease(std::uint32_t release, const std::optional<u
         previous.release = published->release;
         previous.packageName = packageNameOf(*published);
         previous.packageSha256 = published->sha256;
-        isReadable = readInventory(channel / (previous.packageName + std::string(update::kInventorySuffix)), *published,
-                                   previous.entries, fault);
+        isReadable = readInventory(channel / inventoryNameOf(*published), *published, previous.entries, fault);
     } else {
         previous.release = newestBelow(release, listing);
         if (!previous.release) return previous;

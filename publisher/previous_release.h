@@ -21,8 +21,8 @@ struct PreviousRelease {
     std::string fault;  ///< one sentence on why the inventory cannot be read; then there are no entries
 };
 
-/// Players come from the release that was published until now; when a run is repeated that is no longer known, and the
-/// newest older one in the channel stands for it.
+/// Players come from the release that was published until now. A repeated run no longer knows it and takes the newest
+/// older one in the channel.
 [[nodiscard]] PreviousRelease findPreviousRelease(std::uint32_t release,
                                                   const std::optional<update::Manifest>& published,
                                                   const std::filesystem::path& channel, const ChannelListing& listing);

@@ -11,7 +11,7 @@
 namespace vorthmere::publish {
 namespace {
 
-// Where the head of a program says what it is.
+// Offsets into the header of a program.
 constexpr std::size_t kPlaceOfHeaderOffset = 0x3C;
 constexpr std::size_t kHeaderBytes = 26;
 constexpr std::size_t kMachineAt = 4;

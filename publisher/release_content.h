@@ -16,17 +16,17 @@ inline constexpr std::size_t kBlockBytes = std::size_t{1} << 20;
 
 /// One file of the release that is being built.
 struct ReleaseFile {
-    update::InventoryEntry entry;  ///< path and size; the digest is filled in by hashReleaseFiles()
-    std::filesystem::path source;  ///< where the content lies; empty for a file that is generated
+    update::InventoryEntry entry;  ///< path and size; hashReleaseFiles() fills in the digest
+    std::filesystem::path source;  ///< the file in the game folder; empty for a generated one
     std::string text;              ///< the content of a generated file
-    bool worthDeflating = true;    ///< found out by hashReleaseFiles(); a package stores the file plainly otherwise
-    std::uint32_t crc = 0;         ///< CRC-32, filled in by hashReleaseFiles()
+    bool worthDeflating = true;    ///< set by hashReleaseFiles(); a package stores the file otherwise
+    std::uint32_t crc = 0;         ///< CRC-32, set by hashReleaseFiles()
 };
 
 /// Takes the next bytes of a content; false stops the reading.
 using ContentSink = std::function<bool(std::span<const char> bytes)>;
 
-/// Told how many more bytes were dealt with; may be called from several threads at once.
+/// Receives the number of bytes that were processed since the last call. Several threads may call it at once.
 using BytesDone = std::function<void(std::uint64_t count)>;
 
 /// Reads a file from its beginning to its end in blocks of at most kBlockBytes.
@@ -35,7 +35,7 @@ using BytesDone = std::function<void(std::uint64_t count)>;
 /// @return false when the file cannot be read or the sink returned false
 [[nodiscard]] bool readFile(const std::filesystem::path& path, const ContentSink& sink, std::string& error);
 
-/// Like readFile(), for a file of a release, which must still have the size that was found when it was listed.
+/// Like readFile() for a file of a release. Fails when the file no longer has the size that it was listed with.
 [[nodiscard]] bool readContent(const ReleaseFile& file, const ContentSink& sink, std::string& error);
 
 /// The entries of `files`, in their order.

@@ -33,8 +33,4 @@ ReleaseDifference compareReleases(const std::vector<update::InventoryEntry>& ins
     return difference;
 }
 
-bool updatesIncrementally(const ReleaseDifference& difference, const update::Manifest& manifest) {
-    return difference.bytesToFetch < manifest.size;
-}
-
 }  // namespace vorthmere::publish

@@ -5,11 +5,10 @@
 #include <vector>
 
 #include "update/file_inventory.h"
-#include "update/manifest.h"
 
 namespace vorthmere::publish {
 
-/// What changes between two releases, as an updater sees it.
+/// The difference of two releases, as an updater sees it.
 struct ReleaseDifference {
     std::vector<update::InventoryEntry> reused;   ///< installed already, copied on the player's disk
     std::vector<update::InventoryEntry> fetched;  ///< changed or new, fetched one object each
@@ -18,14 +17,11 @@ struct ReleaseDifference {
     std::uint64_t bytesToFetch = 0;  ///< files of equal content count once for each path, as they are fetched
 };
 
-/// @param installed what lies in the older installation
+/// @param installed the files of the older release
 /// @param wanted    the newer release's inventory
 ///
-/// Paths are compared as Windows does, in any letter case.
+/// Compares paths without regard to letter case, as Windows does.
 [[nodiscard]] ReleaseDifference compareReleases(const std::vector<update::InventoryEntry>& installed,
                                                 const std::vector<update::InventoryEntry>& wanted);
-
-/// True when an updater fetches the changed files, false when the complete package is no larger than they are.
-[[nodiscard]] bool updatesIncrementally(const ReleaseDifference& difference, const update::Manifest& manifest);
 
 }  // namespace vorthmere::publish

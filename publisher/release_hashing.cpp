@@ -8,7 +8,7 @@
 namespace vorthmere::publish {
 namespace {
 
-/// @param trial takes the content too, unless it is null
+/// @param trial also takes the content; may be null
 bool hashFile(ReleaseFile& file, DeflateTrial* trial, const BytesDone& done, std::string& error) {
     Sha256 digest;
     file.crc = 0;
@@ -31,7 +31,7 @@ bool hashAndTry(ReleaseFile& file, const BytesDone& done, std::string& error) {
     return true;
 }
 
-/// What is packed already shows whether deflating is worth it; trying takes as long as digesting.
+/// The entry in the previous package shows whether deflating is worth it. A trial takes as long as the digest.
 bool hashAndCompare(ReleaseFile& file, const PreviousPackage& previous, const BytesDone& done, std::string& error) {
     if (!hashFile(file, nullptr, done, error)) return false;
     const ZipEntry* const packed = previous.find(file.entry, file.crc);
@@ -50,7 +50,7 @@ bool hashReleaseFiles(std::vector<ReleaseFile>& files, std::optional<PreviousPac
     const PreviousPackage* const package = previous ? &*previous : nullptr;
     console.beginStep("Reading " + countOf(files.size(), "file"), totalBytes(files) + (package ? package->size() : 0));
     bool isOfUse = true;
-    // The package goes first, as it takes longer than any file.
+    // The package comes first because it takes longer than any file.
     bool hashed = forEachInParallel(
         files.size() + 1,
         [&](std::size_t index, std::string& fault) {

@@ -12,7 +12,7 @@ namespace vorthmere::publish {
 
 /// Computes the digest and CRC-32 of every file and whether deflating it is worth the time, on all processors.
 ///
-/// @param previous a package that was opened, or none; becomes none when it does not have its digest
+/// @param previous an open package, or none; becomes none when it has another digest than it should
 [[nodiscard]] bool hashReleaseFiles(std::vector<ReleaseFile>& files, std::optional<PreviousPackage>& previous,
                                     Console& console, std::string& error);
 

@@ -16,7 +16,7 @@ std::string nameInChannel(std::uint32_t release, const ChannelListing& listing) 
     return listing.releases.at(release).hasPackage ? packageName(release) : inventoryName(release);
 }
 
-/// @param highest of the releases that the channel knows of; 0 when it knows of none
+/// @param highest release number of the channel; 0 when it has none
 bool judgeJump(std::uint32_t release, std::uint32_t highest, std::string& error) {
     if (highest != 0 && release > highest && release - highest > kUsualJump) {
         error = "Release " + std::to_string(release) + " would leave out more than a million numbers after " +

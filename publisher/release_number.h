@@ -9,12 +9,12 @@
 
 namespace vorthmere::publish {
 
-/// Judges the number of a release by what the channel holds: the manifest, and also the packages and inventories, so
-/// that a lost manifest does not make the channel forget its numbers.
+/// Judges the number of a release by the manifest, packages and inventories of the channel. So the channel keeps its
+/// numbers when its manifest is lost.
 ///
 /// @param published  the manifest, if there is one
-/// @param allowJump  let a number pass that leaves out more than a million, or hardly leaves any for later releases
-/// @param error      receives one sentence with the number that stands against it
+/// @param allowJump  accept a number that leaves out more than a million, or leaves too few for later releases
+/// @param error      receives one sentence with the number that is in its way
 [[nodiscard]] bool judgeReleaseNumber(std::uint32_t release, const std::optional<update::Manifest>& published,
                                       const ChannelListing& listing, bool allowJump, std::string& error);
 

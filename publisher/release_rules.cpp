@@ -9,6 +9,7 @@
 #include "update/archive_listing.h"
 #include "update/limits.h"
 #include "update/managed_file_list.h"
+#include "update/metadata_text.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish {
@@ -28,7 +29,7 @@ bool namesAreDistinctOnWindows(const std::vector<ReleaseFile>& files, std::strin
 }
 
 bool holdsRequiredFiles(const std::vector<ReleaseFile>& files, std::string& error) {
-    for (const std::string_view required : {update::kGameExecutableName, update::kUpdaterExecutableName}) {
+    for (const std::string_view required : update::kRequiredFiles) {
         const bool found = std::any_of(files.begin(), files.end(),
                                        [required](const ReleaseFile& file) { return file.entry.path == required; });
         if (found) continue;
@@ -55,7 +56,7 @@ bool staysWithinLimits(const std::vector<ReleaseFile>& files, std::string& error
 
 bool listsStayWithinLimits(const std::vector<ReleaseFile>& files, std::string& error) {
     std::vector<std::string> paths = pathsOf(files);
-    const std::string list = managedFileListText(paths);
+    const std::string list = update::managedFileListText(paths);
     if (list.size() > update::kMaxManagedFileListBytes) {
         error = inQuotes(update::kManagedFileListName) + " would have " + std::to_string(list.size()) +
                 " bytes; at most " + std::to_string(update::kMaxManagedFileListBytes) +
@@ -84,7 +85,7 @@ std::vector<ReleaseFile> withGeneratedFiles(std::vector<ReleaseFile> files, cons
     std::vector<std::string> paths = pathsOf(files);
     paths.emplace_back(update::kManagedFileListName);
     std::sort(paths.begin(), paths.end());
-    const std::string list = managedFileListText(paths);
+    const std::string list = update::managedFileListText(paths);
     files.push_back({{std::string(update::kManagedFileListName), {}, list.size()}, {}, list});
     std::sort(files.begin(), files.end(),
               [](const ReleaseFile& a, const ReleaseFile& b) { return a.entry.path < b.entry.path; });

@@ -8,13 +8,13 @@
 
 namespace vorthmere::publish {
 
-/// Adds the two files that every release has of its own.
+/// Adds the two generated files of a release.
 ///
 /// @return all files, in byte order of the paths
 [[nodiscard]] std::vector<ReleaseFile> withGeneratedFiles(std::vector<ReleaseFile> files,
                                                           const update::Manifest& details);
 
-/// Judges all files of a release together, the generated ones included, by what the updater accepts.
+/// Judges the files of a release together, with the generated ones, by the updater's rules.
 ///
 /// @param files with sizes, in byte order of the paths
 /// @param error receives one sentence naming the file and the rule, or several, one a line: two paths that are one on

@@ -11,6 +11,7 @@
 #include "publisher/release_texts.h"
 #include "publisher/sha256.h"
 #include "update/limits.h"
+#include "update/metadata_text.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish {
@@ -32,8 +33,8 @@ bool stageObject(const ReleaseFile& file, const fs::path& target, const BytesDon
     return false;
 }
 
-/// Packing keeps one processor busy for much longer than the objects need, so they are written beside it. Whichever
-/// fails first stops the other.
+/// Packing takes much longer than writing the objects, so a second thread writes them meanwhile. Whichever fails first
+/// stops the other.
 bool stageContent(const std::vector<ReleaseFile>& files, const std::vector<const ReleaseFile*>& newObjects,
                   const fs::path& workFolder, const PackageRequest& package, PathSet& taken, const BytesDone& done,
                   std::string& error) {
@@ -49,7 +50,7 @@ bool stageContent(const std::vector<ReleaseFile>& files, const std::vector<const
                     written =
                         stageObject(*newObjects[i], workFolder / objectName(newObjects[i]->entry.sha256), done, fault);
             if (!written) hasFailed = true;
-            // Without a sentence it was stopped by the other, which has one.
+            // No sentence means that the other one failed, which has one.
             return written || fault.empty();
         },
         error);
@@ -96,10 +97,10 @@ bool stageRelease(const std::vector<ReleaseFile>& files, const std::vector<const
     staged.manifest = details;
     staged.manifest.size = facts.size;
     staged.manifest.sha256 = facts.sha256;
-    staged.manifest.url = std::string(update::kDownloadBaseUrl) + packageName(details.release);
-    staged.inventory = inventoryText(staged.manifest, inventoryOf(files));
+    staged.manifest.url = update::channelAddress(packageName(details.release));
+    staged.inventory = update::inventoryText(staged.manifest, inventoryOf(files));
     return writeFile(workFolder / inventoryName(details.release), staged.inventory, error) &&
-           writeFile(workFolder / update::kManifestName, manifestText(staged.manifest), error) &&
+           writeFile(workFolder / update::kManifestName, update::manifestText(staged.manifest), error) &&
            readBack(workFolder, staged, files, error);
 }
 

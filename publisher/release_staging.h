@@ -11,22 +11,21 @@
 
 namespace vorthmere::publish {
 
-/// A release that lies complete and verified in the channel's work folder.
+/// A complete and verified release in the channel's work folder.
 struct StagedRelease {
     update::Manifest manifest;
     std::string inventory;  ///< text of the file inventory
 };
 
-/// Writes a release into an empty work folder: the objects, the package, its inventory and the manifest, each under the
-/// name that it will have in the channel. All of it is then read back by the updater's own parsers and the package is
-/// unpacked and compared, but for the entries that were taken from the previous package: these were compared when it
-/// was published.
+/// Writes a release into an empty work folder: the objects, the package, its inventory and the manifest, each under its
+/// name in the channel. Then reads inventory and manifest back with the updater's own parsers, unpacks the package and
+/// compares it. Entries that come from the previous package were compared when that was published.
 ///
 /// @param files      all files of the release, with digests, in byte order of the paths
-/// @param newObjects those of `files` whose content the channel lacks, one for each content
+/// @param newObjects one of `files` for each content that the channel lacks
 /// @param details    release, version, protocol, mandatory and notes
-/// @param previous   where packed entries may be taken from, or null
-/// @param error      receives the sentence of a failure; the work folder may then hold anything
+/// @param previous   the source of entries that are packed already, or null
+/// @param error      receives the sentence of a failure; then the work folder may hold a part of the release
 [[nodiscard]] bool stageRelease(const std::vector<ReleaseFile>& files,
                                 const std::vector<const ReleaseFile*>& newObjects, const update::Manifest& details,
                                 const PreviousPackage* previous, const std::filesystem::path& workFolder,

@@ -2,10 +2,8 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "update/file_inventory.h"
 #include "update/manifest.h"
 #include "update/release_channel.h"
 
@@ -16,22 +14,13 @@ namespace vorthmere::publish {
 [[nodiscard]] std::string inventoryName(std::uint32_t release);
 using update::objectName;
 
-/// The last component of a package's address.
+/// The names that a manifest gives to its package and inventory, which need not be those above.
 [[nodiscard]] std::string packageNameOf(const update::Manifest& manifest);
-
-/// Texts of one release. Lines end in LF; no text depends on anything but the parameters.
-
-/// `KVN_MANAGED_FILES.txt`: one path a line, in the given order, but with the list itself, the updater and the game's
-/// program last.
-[[nodiscard]] std::string managedFileListText(std::vector<std::string> paths);
+[[nodiscard]] std::string inventoryNameOf(const update::Manifest& manifest);
 
 /// `kvn_release.txt`: release, version and protocol, one "key=value" a line. For the game and for support; the updater
 /// requires the file and never reads it.
 [[nodiscard]] std::string releaseMarkerText(const update::Manifest& manifest);
-
-[[nodiscard]] std::string inventoryText(const update::Manifest& manifest,
-                                        const std::vector<update::InventoryEntry>& entries);
-[[nodiscard]] std::string manifestText(const update::Manifest& manifest);
 
 /// What the system's archive tool prints for a package that holds these entries.
 [[nodiscard]] std::string listingText(const std::vector<std::string>& names);

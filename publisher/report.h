@@ -11,7 +11,7 @@
 
 namespace vorthmere::publish {
 
-/// What a command has found out or done.
+/// The result of a command.
 struct Outcome {
     bool hasSucceeded = false;
     std::string error;  ///< sentences, one a line

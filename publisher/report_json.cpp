@@ -108,7 +108,7 @@ void printJson(const Command& command, const Outcome& outcome, std::ostream& out
             addGarbage(command.garbage, outcome.garbage, report);
             break;
     }
-    // Names that are no UTF-8 can stand in a sentence.
+    // A sentence may hold a name that is not UTF-8.
     output << report.dump(kIndent, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 

@@ -5,7 +5,7 @@
 
 namespace vorthmere::publish {
 
-/// Several sentences in the place of one, one a line; of very many the first ones, and how many more there are.
+/// Joins sentences, one a line. Of very many it keeps the first ones and tells how many more there are.
 [[nodiscard]] std::string joinSentences(const std::vector<std::string>& sentences);
 
 }  // namespace vorthmere::publish

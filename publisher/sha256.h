@@ -9,13 +9,15 @@ namespace vorthmere::publish {
 
 /// Computes one SHA-256 digest.
 ///
-/// @throws std::runtime_error when the cryptography library fails, which only exhausted memory brings about
+/// @throws std::runtime_error when the cryptography library fails, which happens only without memory
 class Sha256 {
 public:
     Sha256();
     void add(std::span<const char> bytes);
 
-    /// @return 64 lower-case hexadecimal digits; nothing may be added afterwards
+    /// To be called once, last.
+    ///
+    /// @return 64 lower-case hexadecimal digits
     [[nodiscard]] std::string finish();
 
 private:
@@ -24,11 +26,6 @@ private:
     };
     std::unique_ptr<void, Release> context_;
 };
-
-inline constexpr std::size_t kDigestBytes = 32;
-
-/// Two digits for each byte, in lower case.
-[[nodiscard]] std::string hexadecimal(std::span<const unsigned char> bytes);
 
 [[nodiscard]] std::string sha256Of(std::string_view text);
 

@@ -5,7 +5,7 @@ namespace vorthmere::publish {
 /// True when standard output is a terminal.
 [[nodiscard]] bool outputIsTerminal();
 
-/// Columns of the terminal that standard output goes to; 80 when it does not tell.
+/// Columns of the terminal; 80 when it does not tell.
 [[nodiscard]] unsigned outputWidth();
 
 }  // namespace vorthmere::publish

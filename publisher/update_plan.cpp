@@ -7,6 +7,7 @@
 #include "publisher/in_quotes.h"
 #include "publisher/installed_release.h"
 #include "publisher/release_texts.h"
+#include "update/incremental_update.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish {
@@ -24,8 +25,8 @@ bool planUpdate(const std::filesystem::path& from, const std::filesystem::path& 
     plan.target = *target;
 
     std::vector<update::InventoryEntry> wanted;
-    const std::string inventory = packageNameOf(plan.target) + std::string(update::kInventorySuffix);
-    const bool canBeIncremental = readInventory(channel / inventory, plan.target, wanted, plan.packageReason);
+    const bool canBeIncremental =
+        readInventory(channel / inventoryNameOf(plan.target), plan.target, wanted, plan.packageReason);
 
     InstalledRelease installed;
     if (!readInstalledRelease(from, wanted, console, installed, error)) return false;
@@ -37,7 +38,7 @@ bool planUpdate(const std::filesystem::path& from, const std::filesystem::path& 
         std::erase_if(plan.difference.removed, [&installed](const std::string& path) {
             return std::find(installed.managed.begin(), installed.managed.end(), path) == installed.managed.end();
         });
-    plan.incremental = updatesIncrementally(plan.difference, plan.target);
+    plan.incremental = update::updatesIncrementally(plan.difference.bytesToFetch, plan.target);
     return true;
 }
 

@@ -10,20 +10,20 @@
 
 namespace vorthmere::publish {
 
-/// What an updater would do.
+/// What an updater would do to get to a release.
 struct UpdatePlan {
     update::Manifest target;        ///< the release that the channel offers
-    std::uint32_t fromRelease = 0;  ///< 0 when it is not known: a folder does not tell
+    std::uint32_t fromRelease = 0;  ///< 0 when unknown: a folder does not tell
     ReleaseDifference difference;
-    bool incremental = false;   ///< the changed files are fetched, else the complete package
-    std::string packageReason;  ///< what is wrong with the target's inventory; then nothing is known of a difference
+    bool incremental = false;   ///< the updater fetches the changed files, else the package
+    std::string packageReason;  ///< what is wrong with the target's inventory; then `difference` is empty
 };
 
 /// Finds out how an updater would get from an older release to the one that a channel offers.
 ///
 /// @param from  the older release, as readInstalledRelease() takes it
-/// @param error receives the sentence of a failure; an unusable inventory of the offered release is none, as updaters
-///              then take the complete package
+/// @param error receives the sentence of a failure. An unusable inventory of the offered release is no failure, because
+///              updaters then take the complete package.
 [[nodiscard]] bool planUpdate(const std::filesystem::path& from, const std::filesystem::path& channel, Console& console,
                               UpdatePlan& plan, std::string& error);
 

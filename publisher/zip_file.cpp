@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kStatedDeflateLevel = 6;
 
-// Made by a Unix system, format 2.0; a regular file that everybody may read; the first of January 1980.
+// Made by a Unix system, format 2.0; a regular file that everybody may read; 1 January 1980.
 constexpr uLong kMadeBy = 3U << 8 | 20U;
 constexpr uLong kAttributes = 0100644U << 16;
 constexpr uLong kEarliestDate = 1U << 21 | 1U << 16;
@@ -60,7 +60,7 @@ long seekOutput(voidpf, voidpf stream, ZPOS64_T offset, int origin) {
     return 0;
 }
 
-/// What the library's calls read from.
+/// The input of the library's calls.
 struct Input {
     InputFile& file;
     std::uint64_t size = 0;
@@ -105,7 +105,7 @@ struct ArchiveRelease {
 
 bool readEntry(unzFile archive, ZipEntry& entry, bool& isUsable) {
     unz_file_info64 info{};
-    // The longest name that the format has.
+    // The longest name in the format.
     std::array<char, 65536> name{};
     int method = 0;
     int level = 0;

@@ -13,7 +13,7 @@ namespace vorthmere::publish {
 
 enum class PackingMethod { store, deflate };
 
-/// Writes a zip archive whose entries come packed.
+/// Writes a zip archive from entries that are packed already.
 class ZipWriter {
 public:
     ZipWriter() = default;
@@ -23,7 +23,7 @@ public:
     ZipWriter(ZipWriter&&) = delete;
     ZipWriter& operator=(ZipWriter&&) = delete;
 
-    /// @param maxBytes largest archive that is allowed
+    /// @param maxBytes largest allowed archive
     [[nodiscard]] bool create(const std::filesystem::path& target, std::uint64_t maxBytes, std::string& error);
 
     /// Begins an entry for a file that everybody may read, with the format's earliest date.
@@ -37,13 +37,13 @@ public:
     /// Returns once the archive is complete and on the disk.
     [[nodiscard]] bool finish(std::string& error);
 
-    /// True when the archive would have become larger than allowed.
+    /// True when the archive would be larger than allowed.
     [[nodiscard]] bool isTooLarge() const {
         return output_.isTooLarge;
     }
 
-    /// What the library's calls write to. What was written last stays in memory until it is a block, so that the many
-    /// small fields of the format and their later completion cost no call to the system.
+    /// The output of the library's calls. The last bytes stay in memory until they fill a block, so that the many small
+    /// fields of the format, some completed later, do not each cost a system call.
     struct Output {
         OutputFile file;
         std::uint64_t maxBytes = 0;
@@ -64,19 +64,18 @@ private:
     void* zip_ = nullptr;
 };
 
-/// An entry of a zip archive as it stands there.
+/// An entry of a zip archive.
 struct ZipEntry {
     std::string name;
     PackingMethod method = PackingMethod::store;
     std::uint32_t crc = 0;
     std::uint64_t size = 0;        ///< bytes of the content
     std::uint64_t packedSize = 0;  ///< bytes in the archive
-    std::uint64_t position = 0;    ///< where in the archive they begin
+    std::uint64_t position = 0;    ///< where in the archive the packed bytes begin
 };
 
 /// Lists the entries of a zip archive that are stored or deflated, and not encrypted.
 ///
-/// @param archive is read, and has to outlive nothing
 /// @return false when it is no zip archive
 [[nodiscard]] bool listZip(InputFile& archive, std::uint64_t archiveBytes, std::vector<ZipEntry>& entries);
 

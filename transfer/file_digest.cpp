@@ -1,8 +1,6 @@
 #include "transfer/file_digest.h"
 
-#include <array>
 #include <cstddef>
-#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -16,17 +14,6 @@ namespace vorthmere::update {
 namespace {
 
 constexpr std::size_t kReadBlockBytes = 65536;
-
-std::string toHexadecimal(const DigestBytes& bytes) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string text;
-    text.reserve(kSha256TextLength);
-    for (const std::uint8_t byte : bytes) {
-        text.push_back(digits[byte >> 4]);
-        text.push_back(digits[byte & 15]);
-    }
-    return text;
-}
 
 }  // namespace
 
@@ -54,7 +41,7 @@ bool sha256File(const std::filesystem::path& path, std::string& digest, std::wst
     // A failed read ends the loop as well, and the digest of a part of the file proves nothing.
     DigestBytes bytes{};
     if (failure || !finishDigest(hash, bytes)) return fail(error, L"Windows could not finish SHA-256 verification.");
-    digest = toHexadecimal(bytes);
+    digest = sha256Text(bytes);
     return true;
 }
 

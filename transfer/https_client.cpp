@@ -1,17 +1,13 @@
 #include "transfer/https_client.h"
 
 #include "platform/failure.h"
+#include "update/channel_request.h"
 #include "update/failing.h"
 
 namespace vorthmere::update {
 namespace {
 
-constexpr const wchar_t* kUserAgent = L"KelvaneAlphaUpdater/1.0";
-constexpr const wchar_t* kNoCacheHeader = L"Cache-Control: no-cache\r\n";
-constexpr InternetTimeouts kTimeouts{.resolve = 2500, .connect = 2500, .send = 3000, .receive = 5000};
-constexpr std::uint32_t kStatusOk = 200;
-
-/// What the request asks the host for: path and query, unchanged.
+/// What the host is asked for: path and query, unchanged.
 std::wstring objectNameOf(const InternetAddress& address) {
     const std::wstring name = address.path + address.extraInfo;
     return name.empty() ? L"/" : name;
@@ -32,7 +28,7 @@ bool openHttpsRequest(std::wstring_view address, InternetHandle& session, Intern
 
     session = openSession(kUserAgent);
     if (!session) return fail(error, withWindowsError(L"Unable to initialize the HTTPS update check"));
-    setTimeouts(session, kTimeouts);
+    setTimeouts(session, kChannelTimeouts);
 
     connection = connectTo(session, target.host, target.port);
     if (!connection) return fail(error, withWindowsError(L"Unable to connect to the update host"));

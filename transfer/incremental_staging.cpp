@@ -1,7 +1,6 @@
 #include "transfer/incremental_staging.h"
 
 #include <cstdint>
-#include <set>
 #include <system_error>
 #include <vector>
 
@@ -14,9 +13,9 @@
 #include "transfer/transfer_report.h"
 #include "update/failing.h"
 #include "update/file_inventory.h"
+#include "update/incremental_update.h"
 #include "update/limits.h"
 #include "update/managed_file_list.h"
-#include "update/metadata_file.h"
 #include "update/release_channel.h"
 #include "update/text.h"
 #include "update/work_folder.h"
@@ -38,14 +37,6 @@ bool obtainInventory(const Arguments& arguments, const Manifest& manifest, const
     if (arguments.inventoryFile.empty()) return false;
     return !copyFile(arguments.inventoryFile, inventoryPath, Overwrite::yes) ||
            fail(error, L"Unable to read the local file inventory.");
-}
-
-bool readInventory(const std::filesystem::path& inventoryPath, const Manifest& manifest,
-                   std::vector<InventoryEntry>& entries, std::wstring& error) {
-    const auto parse = [&](std::string_view text, std::string& fault) {
-        return parseFileInventory(text, manifest, entries, fault);
-    };
-    return loadMetadataFile(inventoryPath, kMaxInventoryBytes, parse, error);
 }
 
 bool checkInstalledFiles(const std::filesystem::path& install, const std::vector<InventoryEntry>& entries,
@@ -117,12 +108,7 @@ bool stageFiles(const Arguments& arguments, const std::vector<InventoryEntry>& e
 bool matchesManagedFileList(const std::filesystem::path& stagingFolder, const std::vector<InventoryEntry>& entries,
                             std::wstring& error) {
     std::vector<std::string> listed;
-    std::set<std::string_view> inventoryPaths;
-    for (const InventoryEntry& entry : entries)
-        inventoryPaths.insert(entry.path);
-    if (loadManagedFileList(stagingFolder, listed, error) &&
-        inventoryPaths == std::set<std::string_view>(listed.begin(), listed.end()))
-        return true;
+    if (loadManagedFileList(stagingFolder, listed, error) && namesSameFiles(entries, listed)) return true;
     return fail(error, L"The file inventory and managed-file list do not match.");
 }
 
@@ -134,12 +120,12 @@ bool stageIncremental(const Arguments& arguments, const Manifest& manifest, cons
     const std::filesystem::path inventoryPath = workFolder / kInventoryName;
     std::vector<InventoryEntry> entries;
     if (!obtainInventory(arguments, manifest, inventoryPath, error)) return false;
-    if (!readInventory(inventoryPath, manifest, entries, error)) return false;
+    if (!loadFileInventory(inventoryPath, manifest, entries, error)) return false;
 
     reportStep(progress, timetable::checkingInstalledFiles);
     ReusePlan plan;
     if (!checkInstalledFiles(arguments.install, entries, plan, error)) return false;
-    if (plan.bytesToFetch >= manifest.size) return false;
+    if (!updatesIncrementally(plan.bytesToFetch, manifest)) return false;
 
     IncrementalTransfer transfer;
     if (!stageFiles(arguments, entries, plan, stagingFolder, progress, transfer, error)) return false;

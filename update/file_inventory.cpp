@@ -9,6 +9,8 @@
 #include "update/limits.h"
 #include "update/managed_file_list.h"
 #include "update/managed_path.h"
+#include "update/metadata_file.h"
+#include "update/metadata_keys.h"
 #include "update/release_channel.h"
 #include "update/sha256_text.h"
 
@@ -31,8 +33,9 @@ bool aFileIsAlsoAFolder(const std::set<std::string, std::less<>>& keys) {
 }  // namespace
 
 std::array<std::string, 5> inventoryHeader(const Manifest& manifest) {
-    return {"KVN-FILES/1", "archive=" + manifest.sha256, "release=" + std::to_string(manifest.release),
-            "protocol=" + std::to_string(manifest.protocol), "version=" + manifest.version};
+    return {std::string(kInventoryFirstLine), fieldLine(key::archive, manifest.sha256),
+            fieldLine(key::release, std::to_string(manifest.release)),
+            fieldLine(key::protocol, std::to_string(manifest.protocol)), fieldLine(key::version, manifest.version)};
 }
 
 bool parseFileInventory(std::string_view text, const Manifest& manifest, std::vector<InventoryEntry>& entries,
@@ -62,9 +65,9 @@ bool parseFileInventory(std::string_view text, const Manifest& manifest, std::ve
             size > kMaxReleaseBytes - total || entries.size() >= kMaxManagedFiles)
             return fail(error, "File inventory contains an unsafe path, size, or checksum.");
 
-        // The path rules already refuse the work folder. This check does not rely on them.
-        std::string key = toAsciiLower(path);
-        if (isInWorkFolder(key) || !keys.insert(std::move(key)).second)
+        // The path rules refuse the work folder already; this check does not rely on them.
+        std::string lowerPath = toAsciiLower(path);
+        if (isInWorkFolder(lowerPath) || !keys.insert(std::move(lowerPath)).second)
             return fail(error, "File inventory contains a reserved or duplicate path.");
 
         total += size;
@@ -77,6 +80,21 @@ bool parseFileInventory(std::string_view text, const Manifest& manifest, std::ve
 
     std::vector<std::string> impliedPaths;
     return parseManagedFileList(impliedList, impliedPaths, error);
+}
+
+bool loadFileInventory(const std::filesystem::path& path, const Manifest& manifest,
+                       std::vector<InventoryEntry>& entries, std::wstring& error) {
+    const auto parse = [&](std::string_view text, std::string& fault) {
+        return parseFileInventory(text, manifest, entries, fault);
+    };
+    return loadMetadataFile(path, kMaxInventoryBytes, parse, error);
+}
+
+bool namesSameFiles(const std::vector<InventoryEntry>& entries, const std::vector<std::string>& listed) {
+    std::set<std::string_view> paths;
+    for (const InventoryEntry& entry : entries)
+        paths.insert(entry.path);
+    return paths == std::set<std::string_view>(listed.begin(), listed.end());
 }
 
 }  // namespace vorthmere::update

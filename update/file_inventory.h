@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,7 +20,10 @@ struct InventoryEntry {
     friend bool operator==(const InventoryEntry&, const InventoryEntry&) = default;
 };
 
-/// The first five lines of a release's inventory. They bind it to the manifest.
+/// The first line of a file inventory.
+inline constexpr std::string_view kInventoryFirstLine = "KVN-FILES/1";
+
+/// The first five lines of a release's inventory; they bind it to its manifest.
 [[nodiscard]] std::array<std::string, 5> inventoryHeader(const Manifest& manifest);
 
 /// Parses a file inventory, format "KVN-FILES/1", and checks that it belongs to one release.
@@ -37,5 +41,14 @@ struct InventoryEntry {
 ///         paths.", "File inventory is missing release metadata.", or parseManagedFileList()'s sentence.
 [[nodiscard]] bool parseFileInventory(std::string_view text, const Manifest& manifest,
                                       std::vector<InventoryEntry>& entries, std::string& error);
+
+/// Reads and parses a file inventory.
+///
+/// @param error receives the sentence of a failure: readMetadataFile()'s, or the parser's when it is still empty
+[[nodiscard]] bool loadFileInventory(const std::filesystem::path& path, const Manifest& manifest,
+                                     std::vector<InventoryEntry>& entries, std::wstring& error);
+
+/// True when a release's managed-file list names the files of its inventory and no others.
+[[nodiscard]] bool namesSameFiles(const std::vector<InventoryEntry>& entries, const std::vector<std::string>& listed);
 
 }  // namespace vorthmere::update

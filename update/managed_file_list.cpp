@@ -1,5 +1,6 @@
 #include "update/managed_file_list.h"
 
+#include <algorithm>
 #include <set>
 
 #include "update/failing.h"
@@ -26,16 +27,20 @@ bool parseManagedFileList(std::string_view text, std::vector<std::string>& paths
         if (paths.size() > kMaxManagedFiles) return fail(error, "Managed-file list is too large.");
     }
 
-    for (const std::string_view required : {kManagedFileListName, kGameExecutableName, kUpdaterExecutableName})
+    for (const std::string_view required : kRequiredFiles)
         if (!seen.contains(required)) return fail(error, "Managed-file list is missing a required runtime.");
     return true;
 }
 
-bool loadManagedFileList(const std::filesystem::path& folder, std::vector<std::string>& paths, std::wstring& error) {
+bool loadManagedFileListFrom(const std::filesystem::path& file, std::vector<std::string>& paths, std::wstring& error) {
     const auto parse = [&paths](std::string_view text, std::string& fault) {
         return parseManagedFileList(text, paths, fault);
     };
-    return loadMetadataFile(folder / kManagedFileListName, kMaxManagedFileListBytes, parse, error);
+    return loadMetadataFile(file, kMaxManagedFileListBytes, parse, error);
+}
+
+bool loadManagedFileList(const std::filesystem::path& folder, std::vector<std::string>& paths, std::wstring& error) {
+    return loadManagedFileListFrom(folder / kManagedFileListName, paths, error);
 }
 
 }  // namespace vorthmere::update

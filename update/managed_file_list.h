@@ -19,11 +19,14 @@ namespace vorthmere::update {
 ///         large." or "Managed-file list is missing a required runtime."
 [[nodiscard]] bool parseManagedFileList(std::string_view text, std::vector<std::string>& paths, std::string& error);
 
-/// Reads and parses the managed-file list of a release.
+/// Reads and parses a managed-file list.
 ///
-/// @param folder the installation or the staging folder
-/// @param paths  filled as by parseManagedFileList()
-/// @param error  as loadMetadataFile()'s
+/// @param paths as parseManagedFileList() fills it
+/// @param error receives the sentence of a failure: readMetadataFile()'s, or the parser's when it is still empty
+[[nodiscard]] bool loadManagedFileListFrom(const std::filesystem::path& file, std::vector<std::string>& paths,
+                                           std::wstring& error);
+
+/// The same with the list of the release in a folder: the installation, or the staging folder.
 [[nodiscard]] bool loadManagedFileList(const std::filesystem::path& folder, std::vector<std::string>& paths,
                                        std::wstring& error);
 

@@ -16,16 +16,12 @@ bool isReservedDeviceStem(std::string_view stem) {
     return upper.size() == 4 && (upper.starts_with("COM") || upper.starts_with("LPT")) && isAsciiDigit(upper[3]);
 }
 
-bool isPortableNameByte(char c) {
-    return isAsciiLetter(c) || isAsciiDigit(c) || c == ' ' || c == '-' || c == '.' || c == '_';
-}
-
 bool isSafeComponent(std::string_view component) {
     if (component.empty() || component == "." || component == "..") return false;
     if (component.back() == '.' || component.back() == ' ') return false;
     if (toAsciiLower(component) == kWorkFolderName) return false;
     if (isReservedDeviceStem(component.substr(0, component.find('.')))) return false;
-    return std::all_of(component.begin(), component.end(), isPortableNameByte);
+    return std::all_of(component.begin(), component.end(), isManagedNameByte);
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "update/ascii.h"
+
 namespace vorthmere::update {
 
 /// Judges a path from outside, before it is used below the game folder.
@@ -14,6 +16,11 @@ namespace vorthmere::update {
 /// @param allowTrailingSlash accept one "/" at the end, which marks folders in an archive's listing
 /// @return true when the path is safe; there is no sentence for a failure
 [[nodiscard]] bool isSafeRelativePath(std::string_view path, bool allowTrailingSlash);
+
+/// True for a byte that a file or folder of a release may have in its name.
+[[nodiscard]] constexpr bool isManagedNameByte(char c) {
+    return isAsciiLetter(c) || isAsciiDigit(c) || c == ' ' || c == '-' || c == '.' || c == '_';
+}
 
 /// Takes the next line off `remaining`, up to the next line feed or the end.
 ///

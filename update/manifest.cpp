@@ -9,6 +9,8 @@
 #include "update/failing.h"
 #include "update/limits.h"
 #include "update/managed_path.h"
+#include "update/metadata_file.h"
+#include "update/metadata_keys.h"
 #include "update/release_channel.h"
 #include "update/sha256_text.h"
 
@@ -28,7 +30,7 @@ bool readRelease(std::string_view value, Manifest& manifest) {
 }
 
 bool readVersion(std::string_view value, Manifest& manifest) {
-    if (value.empty() || value.size() > kMaxVersionBytes || !allPrintable(value)) return false;
+    if (!isVersionText(value)) return false;
     manifest.version = value;
     return true;
 }
@@ -71,7 +73,7 @@ bool readUrl(std::string_view value, Manifest& manifest) {
 }
 
 bool readNotes(std::string_view value, Manifest& manifest) {
-    if (value.size() > kMaxNotesBytes || !allPrintable(value)) return false;
+    if (!isNotesText(value)) return false;
     manifest.notes = value;
     return true;
 }
@@ -83,14 +85,14 @@ struct Field {
 };
 
 constexpr std::array<Field, 8> kFields = {{
-    {"release", readRelease, "Manifest release is invalid."},
-    {"version", readVersion, "Manifest version is invalid."},
-    {"protocol", readProtocol, "Manifest protocol is invalid."},
-    {"mandatory", readMandatory, "Manifest mandatory flag is invalid."},
-    {"size", readSize, "Manifest archive size is invalid."},
-    {"sha256", readSha256, "Manifest SHA-256 is invalid."},
-    {"url", readUrl, "Manifest archive URL is invalid."},
-    {"notes", readNotes, "Manifest notes are invalid."},
+    {key::release, readRelease, "Manifest release is invalid."},
+    {key::version, readVersion, "Manifest version is invalid."},
+    {key::protocol, readProtocol, "Manifest protocol is invalid."},
+    {key::mandatory, readMandatory, "Manifest mandatory flag is invalid."},
+    {key::size, readSize, "Manifest archive size is invalid."},
+    {key::sha256, readSha256, "Manifest SHA-256 is invalid."},
+    {key::url, readUrl, "Manifest archive URL is invalid."},
+    {key::notes, readNotes, "Manifest notes are invalid."},
 }};
 
 /// The text after the last line feed is a line too, often an empty one.
@@ -105,6 +107,14 @@ std::vector<std::string_view> splitLines(std::string_view text) {
 }
 
 }  // namespace
+
+bool isVersionText(std::string_view text) {
+    return !text.empty() && text.size() <= kMaxVersionBytes && allPrintable(text);
+}
+
+bool isNotesText(std::string_view text) {
+    return text.size() <= kMaxNotesBytes && allPrintable(text);
+}
 
 bool parseManifest(std::string_view text, Manifest& manifest, std::string& error) {
     manifest = {};
@@ -121,8 +131,9 @@ bool parseManifest(std::string_view text, Manifest& manifest, std::string& error
         const std::size_t equals = line.find('=');
         if (equals == std::string_view::npos || equals == 0) return fail(error, "Manifest field is malformed.");
 
-        const std::string_view key = line.substr(0, equals);
-        const auto field = std::find_if(kFields.begin(), kFields.end(), [key](const Field& f) { return f.key == key; });
+        const std::string_view name = line.substr(0, equals);
+        const auto field =
+            std::find_if(kFields.begin(), kFields.end(), [name](const Field& f) { return f.key == name; });
         if (field == kFields.end()) return fail(error, "Manifest contains an unknown field.");
         bool& seen = present[static_cast<std::size_t>(field - kFields.begin())];
         if (seen) return fail(error, "Manifest contains a duplicate field.");
@@ -132,6 +143,13 @@ bool parseManifest(std::string_view text, Manifest& manifest, std::string& error
     if (!std::all_of(present.begin(), present.end(), [](bool seen) { return seen; }))
         return fail(error, "Manifest is missing a required field.");
     return true;
+}
+
+bool loadManifest(const std::filesystem::path& path, Manifest& manifest, std::wstring& error) {
+    const auto parse = [&manifest](std::string_view text, std::string& fault) {
+        return parseManifest(text, manifest, fault);
+    };
+    return loadMetadataFile(path, kMaxManifestBytes, parse, error);
 }
 
 }  // namespace vorthmere::update

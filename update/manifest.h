@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -35,5 +36,14 @@ struct Manifest {
 ///         "Manifest protocol is invalid.", "Manifest mandatory flag is invalid.", "Manifest archive size is invalid.",
 ///         "Manifest SHA-256 is invalid.", "Manifest archive URL is invalid." or "Manifest notes are invalid."
 [[nodiscard]] bool parseManifest(std::string_view text, Manifest& manifest, std::string& error);
+
+/// Reads and parses a manifest.
+///
+/// @param error receives the sentence of a failure: readMetadataFile()'s, or the parser's when it is still empty
+[[nodiscard]] bool loadManifest(const std::filesystem::path& path, Manifest& manifest, std::wstring& error);
+
+/// The parser's rules for two of the values.
+[[nodiscard]] bool isVersionText(std::string_view text);
+[[nodiscard]] bool isNotesText(std::string_view text);
 
 }  // namespace vorthmere::update

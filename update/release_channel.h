@@ -1,7 +1,10 @@
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
+
+#include "update/sha256_text.h"
 
 namespace vorthmere::update {
 
@@ -35,7 +38,11 @@ inline constexpr std::string_view kGameExecutableName = "Vorthmere.exe";
 inline constexpr std::string_view kUpdaterExecutableName = "KVNUpdater.exe";
 inline constexpr std::string_view kReleaseMarkerName = "kvn_release.txt";
 
-/// The work folder's name in the installation. No managed path may contain it.
+/// Without these a folder is no installation, and a managed-file list is refused.
+inline constexpr std::array<std::string_view, 3> kRequiredFiles = {kGameExecutableName, kUpdaterExecutableName,
+                                                                   kManagedFileListName};
+
+/// The updater's own folder inside the installation; no managed path may name it.
 inline constexpr std::string_view kWorkFolderName = ".kvn-update";
 
 /// The name of the object for a file's content.
@@ -43,12 +50,19 @@ inline constexpr std::string_view kWorkFolderName = ".kvn-update";
 /// @param sha256 digest of the content, 64 lower-case hexadecimal digits
 [[nodiscard]] std::string objectName(std::string_view sha256);
 
+/// True for the name of an update object, whatever its content.
+[[nodiscard]] constexpr bool isObjectName(std::string_view name) {
+    if (!name.starts_with(kObjectNamePrefix) || !name.ends_with(kObjectNameSuffix)) return false;
+    name.remove_prefix(kObjectNamePrefix.size());
+    return isSha256Text(name.substr(0, name.size() - kObjectNameSuffix.size()));
+}
+
 /// The address of a file of the channel.
 ///
 /// @param name the file's name below the base
 [[nodiscard]] std::string channelAddress(std::string_view name);
 
-/// The address of the inventory that belongs to a package.
+/// The address of a package's file inventory; of a package's name, the inventory's name.
 [[nodiscard]] std::string inventoryAddress(std::string_view packageAddress);
 
 }  // namespace vorthmere::update

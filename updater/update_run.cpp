@@ -10,9 +10,7 @@
 #include "transfer/downloads.h"
 #include "transfer/incremental_staging.h"
 #include "update/exit_code.h"
-#include "update/limits.h"
 #include "update/manifest.h"
-#include "update/metadata_file.h"
 #include "update/release_channel.h"
 #include "update/text.h"
 #include "update/work_folder.h"
@@ -22,12 +20,9 @@
 namespace vorthmere::update {
 namespace {
 
-bool loadManifest(const Arguments& arguments, Manifest& manifest, std::wstring& error) {
+bool obtainManifest(const Arguments& arguments, Manifest& manifest, std::wstring& error) {
     if (arguments.manifestFile.empty()) return fetchManifest(widen(channelAddress(kManifestName)), manifest, error);
-    const auto parse = [&manifest](std::string_view text, std::string& fault) {
-        return parseManifest(text, manifest, fault);
-    };
-    return loadMetadataFile(arguments.manifestFile, kMaxManifestBytes, parse, error);
+    return loadManifest(arguments.manifestFile, manifest, error);
 }
 
 ExitCode finishCurrent(const Arguments& arguments, std::wstring& error, const ProgressCallback& progress) {
@@ -77,7 +72,7 @@ ExitCode run(Arguments& arguments, std::wstring& error, const ProgressCallback& 
 
     reportStep(progress, timetable::checkingChannel);
     Manifest manifest;
-    if (!loadManifest(arguments, manifest, error)) return ExitCode::manifestUnavailable;
+    if (!obtainManifest(arguments, manifest, error)) return ExitCode::manifestUnavailable;
     if (manifest.release <= arguments.currentRelease) return finishCurrent(arguments, error, progress);
 
     const WorkFolder work(arguments.install);

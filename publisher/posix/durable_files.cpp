@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Web servers run under accounts of their own.
+// A web server may run under another account.
 constexpr mode_t kPublishedFileMode = 0644;
 constexpr mode_t kPublishedFolderMode = 0755;
 
@@ -35,18 +35,18 @@ Descriptor openFolder(const fs::path& folder, int flags = 0) {
 bool openToAll(const fs::path& folder) {
     const Descriptor descriptor = openFolder(folder, O_NOFOLLOW);
     struct stat status {};
-    // What a folder inherits beside the permissions, such as its group, stays.
+    // Bits that a new folder inherits besides the permissions, such as set-group-ID, stay.
     return descriptor && fstat(fileOf(descriptor), &status) == 0 &&
            fchmod(fileOf(descriptor), (status.st_mode & (S_ISUID | S_ISGID | S_ISVTX)) | kPublishedFolderMode) == 0;
 }
 
-/// The folder in which a folder is entered.
+/// The folder that holds a folder's entry.
 fs::path folderAbove(const fs::path& folder) {
     const fs::path above = folder.parent_path();
     return above.empty() ? fs::path(".") : above;
 }
 
-/// True while a path still leads to the folder that was opened: whoever made it may have removed it again meanwhile.
+/// True while the path still leads to the open folder. Another process may have removed that folder meanwhile.
 bool isStillThere(const Descriptor& descriptor, const fs::path& folder) {
     struct stat opened {};
     struct stat present {};
@@ -83,7 +83,7 @@ bool OutputFile::create(const fs::path& path, std::string& error) {
     path_ = path;
     size_ = 0;
     file_ = Descriptor(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, kPublishedFileMode));
-    // The process's umask may have taken bits away.
+    // The process's umask may have removed bits.
     return (file_ && fchmod(fileOf(file_), kPublishedFileMode) == 0) || fail(path_, "created", error);
 }
 
@@ -164,7 +164,7 @@ bool lockFolder(const fs::path& folder, Descriptor& lock, std::string& error) {
     return false;
 }
 
-// The lock is on the folder itself: until it is removed, nobody else gets it.
+// The lock is on the folder itself. No other process gets it before the folder is removed.
 void removeMadeFolders(const std::vector<fs::path>& made, Descriptor) {
     for (auto folder = made.rbegin(); folder != made.rend(); ++folder)
         if (rmdir(folder->c_str()) != 0) return;

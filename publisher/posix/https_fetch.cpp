@@ -8,16 +8,14 @@
 
 #include "publisher/interruption.h"
 #include "update/ascii.h"
+#include "update/channel_request.h"
+#include "update/text.h"
 
 namespace vorthmere::publish {
 namespace {
 
-// Those of the updater.
-constexpr const char* kUserAgent = "KelvaneAlphaUpdater/1.0";
-constexpr long kConnectMilliseconds = 5000;
-constexpr long kSilentSeconds = 5;
-
-constexpr unsigned kStatusOk = 200;
+constexpr long kConnectMilliseconds = update::kChannelTimeouts.resolve + update::kChannelTimeouts.connect;
+constexpr long kSilentSeconds = update::kChannelTimeouts.receive / 1000;
 
 struct CurlRelease {
     void operator()(CURL* handle) const {
@@ -28,7 +26,7 @@ struct CurlRelease {
     }
 };
 
-/// One request on its way.
+/// A running request.
 struct Transfer {
     CURL* handle;
     std::uint64_t maxBytes;
@@ -51,7 +49,7 @@ std::size_t takeBody(char* bytes, std::size_t, std::size_t count, void* context)
     auto& transfer = *static_cast<Transfer*>(context);
     long status = 0;
     curl_easy_getinfo(transfer.handle, CURLINFO_RESPONSE_CODE, &status);
-    if (status != kStatusOk) return count;
+    if (status != update::kStatusOk) return count;
     transfer.received += count;
     if (isInterrupted())
         transfer.fault = interruptionSentence();
@@ -80,7 +78,7 @@ std::size_t takeHeader(char* bytes, std::size_t, std::size_t count, void* contex
 void prepare(CURL* handle, const std::string& address, const std::filesystem::path& caFile, Transfer& transfer) {
     curl_easy_setopt(handle, CURLOPT_URL, address.c_str());
     curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "https");
-    curl_easy_setopt(handle, CURLOPT_USERAGENT, kUserAgent);
+    curl_easy_setopt(handle, CURLOPT_USERAGENT, update::narrow(update::kUserAgent).c_str());
     curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT_MS, kConnectMilliseconds);
     curl_easy_setopt(handle, CURLOPT_LOW_SPEED_LIMIT, 1L);
@@ -103,7 +101,9 @@ bool fetchHttps(const std::string& address, const std::filesystem::path& caFile,
     answer = {};
     Transfer transfer{handle, maxBytes, sink, answer};
     prepare(handle, address, caFile, transfer);
-    const std::unique_ptr<curl_slist, CurlRelease> headers(curl_slist_append(nullptr, "Cache-Control: no-cache"));
+    std::string header = update::narrow(update::kNoCacheHeader);
+    header.resize(header.find('\r'));  // libcurl ends it itself
+    const std::unique_ptr<curl_slist, CurlRelease> headers(curl_slist_append(nullptr, header.c_str()));
     curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers.get());
     const CURLcode result = curl_easy_perform(handle);
     long status = 0;

@@ -21,14 +21,14 @@ extern "C" void rememberSignal(int number) {
 void watchForInterruptions() {
     for (const int number : std::array{SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction former {};
-        // What is ignored, as by nohup, stays ignored.
+        // An ignored signal stays ignored, as nohup wants it.
         if (sigaction(number, nullptr, &former) == 0 && former.sa_handler == SIG_IGN) continue;
         struct sigaction action {};
         action.sa_handler = rememberSignal;
         action.sa_flags = SA_RESTART;
         sigaction(number, &action, nullptr);
     }
-    // A closed pipe is then an error of the write.
+    // Writing to a closed pipe then fails instead of ending the process.
     std::signal(SIGPIPE, SIG_IGN);
 }
 

@@ -3,7 +3,10 @@
 #include <openssl/evp.h>
 
 #include <array>
+#include <cstdint>
 #include <stdexcept>
+
+#include "update/sha256_text.h"
 
 namespace vorthmere::publish {
 namespace {
@@ -31,10 +34,11 @@ void Sha256::add(std::span<const char> bytes) {
 }
 
 std::string Sha256::finish() {
-    std::array<unsigned char, kDigestBytes> digest{};
+    std::array<std::uint8_t, update::kSha256Bytes> digest{};
     unsigned int length = 0;
-    require(EVP_DigestFinal_ex(digestOf(context_.get()), digest.data(), &length) == 1 && length == kDigestBytes);
-    return hexadecimal(digest);
+    require(EVP_DigestFinal_ex(digestOf(context_.get()), digest.data(), &length) == 1 &&
+            length == update::kSha256Bytes);
+    return update::sha256Text(digest);
 }
 
 }  // namespace vorthmere::publish

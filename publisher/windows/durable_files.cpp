@@ -6,7 +6,9 @@
 #include <array>
 #include <system_error>
 
+#include "platform/windows/system_path.h"
 #include "publisher/entry_facts.h"
+#include "publisher/folder_names.h"
 #include "publisher/in_quotes.h"
 #include "publisher/windows/system_error.h"
 
@@ -14,13 +16,14 @@ namespace vorthmere::publish {
 namespace {
 
 namespace fs = std::filesystem;
+using update::SystemPath;
 
-/// Held open by whoever writes to a channel; it is gone with the handle, also when the process is killed.
+/// Whoever writes to a channel holds this file open. It vanishes with the handle, also when the process is killed.
 constexpr const wchar_t* kLockFileName = L".kvn-release-lock";
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-/// Scanners and indexers hold a new file for a moment.
+/// Virus scanners and indexers hold a new file open for a moment.
 constexpr int kTries = 50;
 constexpr DWORD kPauseMilliseconds = 40;
 
@@ -39,7 +42,7 @@ OVERLAPPED at(std::uint64_t position) {
     return place;
 }
 
-/// Repeats a call as long as somebody else is using the file.
+/// Repeats a call while another program uses the file, up to a limit.
 template <typename Call>
 bool untilFree(Call call) {
     for (int tried = 1;; ++tried) {
@@ -52,11 +55,12 @@ bool untilFree(Call call) {
 }
 
 bool removeEntry(const fs::path& path, const EntryFacts& facts, std::string& error) {
-    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-    const DWORD attributes = GetFileAttributesW(path.c_str());
+    const SystemPath place(path);
+    SetFileAttributesW(place.text(), FILE_ATTRIBUTE_NORMAL);
+    const DWORD attributes = GetFileAttributesW(place.text());
     const bool isFolder = facts.kind == EntryKind::folder ||
                           (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0);
-    return untilFree([&] { return (isFolder ? RemoveDirectoryW(path.c_str()) : DeleteFileW(path.c_str())) != 0; }) ||
+    return untilFree([&] { return (isFolder ? RemoveDirectoryW(place.text()) : DeleteFileW(place.text())) != 0; }) ||
            failWithReason(path, "removed", error);
 }
 
@@ -67,9 +71,10 @@ Descriptor::~Descriptor() {
 }
 
 bool InputFile::open(const fs::path& path, std::string& error) {
+    const SystemPath place(path);
     path_ = path;
     file_ = owned(
-        CreateFileW(path.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        CreateFileW(place.text(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     return file_ || failWithReason(path_, "read", error);
 }
 
@@ -87,9 +92,10 @@ bool InputFile::readAt(std::uint64_t position, std::span<char> buffer, std::size
 }
 
 bool OutputFile::create(const fs::path& path, std::string& error) {
+    const SystemPath place(path);
     path_ = path;
     size_ = 0;
-    file_ = owned(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, CREATE_ALWAYS,
+    file_ = owned(CreateFileW(place.text(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, CREATE_ALWAYS,
                               FILE_ATTRIBUTE_NORMAL, nullptr));
     return file_ || failWithReason(path_, "created", error);
 }
@@ -124,18 +130,26 @@ bool createFolders(const fs::path& folder, std::vector<fs::path>& made, std::str
         path /= component;
         std::error_code failure;
         if (component.empty() || factsOfTarget(path, failure).kind == EntryKind::folder) continue;
-        if (CreateDirectoryW(path.c_str(), nullptr))
+        const SystemPath place(path);
+        if (CreateDirectoryW(place.text(), nullptr)) {
             made.push_back(path);
-        else if (GetLastError() != ERROR_ALREADY_EXISTS || factsOfTarget(path, failure).kind != EntryKind::folder)
-            return failWithReason(path, "created", error);
+            continue;
+        }
+        const DWORD number = GetLastError();
+        if (number == ERROR_ALREADY_EXISTS && factsOfTarget(path, failure).kind == EntryKind::folder) continue;
+        SetLastError(number);
+        return failWithReason(path, "created", error);
     }
     return true;
 }
 
 bool moveIntoPlace(const fs::path& from, const fs::path& to, std::string& error) {
-    // A file that somebody reads cannot be replaced; on the disk before the call returns.
+    // A file that another program reads cannot be replaced. The rename is on the disk when the call returns.
+    const SystemPath source(from);
+    const SystemPath target(to);
     return untilFree([&] {
-               return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+               return MoveFileExW(source.text(), target.text(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) !=
+                      0;
            }) ||
            failWithReason(to, "replaced", error);
 }
@@ -146,30 +160,26 @@ bool removeFile(const fs::path& file, std::string& error) {
     return facts.kind == EntryKind::missing || removeEntry(file, facts, error);
 }
 
-// The standard library would go through links.
+// The standard library would follow links.
 bool removeTree(const fs::path& folder, std::string& error) {
     std::error_code failure;
     const EntryFacts facts = factsOf(folder, failure);
     if (facts.kind == EntryKind::missing) return true;
     if (facts.kind == EntryKind::folder) {
-        std::vector<fs::path> inside;
-        fs::directory_iterator entry(folder, failure);
-        for (; !failure && entry != fs::directory_iterator(); entry.increment(failure))
-            inside.push_back(entry->path());
-        for (const fs::path& path : inside)
-            if (!removeTree(path, error)) return false;
+        for (const fs::path& name : namesIn(folder, failure))
+            if (!removeTree(folder / name, error)) return false;
     }
     return removeEntry(folder, facts, error);
 }
 
-// Renames are written through, one by one.
+// Each rename is on the disk already.
 bool syncFolder(const fs::path&, std::string&) {
     return true;
 }
 
 bool lockFolder(const fs::path& folder, Descriptor& lock, std::string& error) {
-    const fs::path file = folder / kLockFileName;
-    Descriptor descriptor = owned(CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS,
+    const SystemPath file(folder / kLockFileName);
+    Descriptor descriptor = owned(CreateFileW(file.text(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS,
                                               FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
     if (descriptor) {
         lock = std::move(descriptor);
@@ -182,11 +192,11 @@ bool lockFolder(const fs::path& folder, Descriptor& lock, std::string& error) {
     return false;
 }
 
-// The lock is a file in the folder: with it the folder is not empty, and with another process's it is not either.
+// The lock is a file in the folder, so a folder that another process has locked is not empty.
 void removeMadeFolders(const std::vector<fs::path>& made, Descriptor lock) {
     lock = Descriptor();
     for (auto folder = made.rbegin(); folder != made.rend(); ++folder)
-        if (!RemoveDirectoryW(folder->c_str())) return;
+        if (!RemoveDirectoryW(SystemPath(*folder).text())) return;
 }
 
 }  // namespace vorthmere::publish

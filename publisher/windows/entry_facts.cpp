@@ -4,6 +4,8 @@
 
 #include <array>
 
+#include "platform/windows/system_path.h"
+
 namespace vorthmere::publish {
 namespace {
 
@@ -37,14 +39,16 @@ EntryFacts factsFrom(DWORD attributes, DWORD sizeHigh, DWORD sizeLow) {
 EntryFacts factsOf(const std::filesystem::path& path, std::error_code& failure) {
     failure.clear();
     WIN32_FILE_ATTRIBUTE_DATA data{};
-    if (!GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data)) return notFound(failure);
+    const update::SystemPath place(path);
+    if (!GetFileAttributesExW(place.text(), GetFileExInfoStandard, &data)) return notFound(failure);
     if ((data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) return {EntryKind::link, 0, true};
     return factsFrom(data.dwFileAttributes, data.nFileSizeHigh, data.nFileSizeLow);
 }
 
 EntryFacts factsOfTarget(const std::filesystem::path& path, std::error_code& failure) {
     failure.clear();
-    HANDLE handle = CreateFileW(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+    const update::SystemPath place(path);
+    HANDLE handle = CreateFileW(place.text(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                 OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (handle == INVALID_HANDLE_VALUE) return notFound(failure);
     BY_HANDLE_FILE_INFORMATION data{};

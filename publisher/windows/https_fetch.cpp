@@ -8,12 +8,11 @@
 #include "transfer/downloads.h"
 #include "transfer/https_client.h"
 #include "update/ascii.h"
+#include "update/channel_request.h"
 #include "update/text.h"
 
 namespace vorthmere::publish {
 namespace {
-
-constexpr unsigned kFound = 200;
 
 std::string headerOf(const update::InternetHandle& request, DWORD header) {
     DWORD bytes = 0;
@@ -28,7 +27,7 @@ std::string headerOf(const update::InternetHandle& request, DWORD header) {
 
 }  // namespace
 
-// The updater's own client, which trusts what Windows trusts.
+// Uses the updater's own client, which trusts the certificates that Windows trusts.
 bool fetchHttps(const std::string& address, const std::filesystem::path&, std::uint64_t maxBytes,
                 const ContentSink& sink, HttpsAnswer& answer, std::string& error) {
     update::InternetHandle session;
@@ -41,7 +40,7 @@ bool fetchHttps(const std::string& address, const std::filesystem::path&, std::u
     if (request && update::queryStatus(request, status)) answer.status = status;
     if (!isFound) {
         error = update::narrow(fault);
-        return answer.status != 0 && answer.status != kFound;
+        return answer.status != 0 && answer.status != update::kStatusOk;
     }
     answer.cacheControl = headerOf(request, WINHTTP_QUERY_CACHE_CONTROL);
     answer.contentEncoding = headerOf(request, WINHTTP_QUERY_CONTENT_ENCODING);

@@ -12,15 +12,15 @@ namespace {
 /// Event numbers begin with 0.
 std::atomic<int> received{0};
 
-/// As long as Windows lets a program that is asked to end go on.
+/// How long Windows lets a program run after asking it to end.
 constexpr DWORD kTimeToEnd = 20'000;
 
-/// What a program ends with that Ctrl+C has ended.
+/// The exit code of a program that Ctrl+C has ended.
 constexpr UINT kEndedByControl = 0xC000013A;
 
 BOOL WINAPI rememberEvent(DWORD event) {
     received = static_cast<int>(event) + 1;
-    // After the return from one of these the process is ended, so the work gets its time here.
+    // For these events Windows ends the process when this returns, so wait here for the work to end.
     if (event == CTRL_CLOSE_EVENT || event == CTRL_LOGOFF_EVENT || event == CTRL_SHUTDOWN_EVENT) Sleep(kTimeToEnd);
     return TRUE;
 }

@@ -13,7 +13,7 @@
 namespace vorthmere::publish {
 
 std::vector<std::string> processArguments(int, char**) {
-    // Lines end as on other systems, and the console is told the encoding of what is printed.
+    // Lines end as on other systems, and the console learns the encoding of the output.
     _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);
     SetConsoleOutputCP(CP_UTF8);

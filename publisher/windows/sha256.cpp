@@ -5,7 +5,10 @@
 #include <bcrypt.h>
 
 #include <array>
+#include <cstdint>
 #include <stdexcept>
+
+#include "update/sha256_text.h"
 
 namespace vorthmere::publish {
 namespace {
@@ -14,7 +17,7 @@ void require(bool succeeded) {
     if (!succeeded) throw std::runtime_error("The SHA-256 digest cannot be computed.");
 }
 
-/// Opened once; it may be used by all threads.
+/// Opened once for all threads.
 BCRYPT_ALG_HANDLE algorithm() {
     static const BCRYPT_ALG_HANDLE opened = [] {
         BCRYPT_ALG_HANDLE handle = nullptr;
@@ -37,15 +40,15 @@ Sha256::Sha256() {
 }
 
 void Sha256::add(std::span<const char> bytes) {
-    // The call takes bytes that may be written to and does not write to them.
+    // The call takes a pointer to mutable bytes but does not write to them.
     auto* const data = const_cast<UCHAR*>(reinterpret_cast<const UCHAR*>(bytes.data()));
     require(BCryptHashData(context_.get(), data, static_cast<ULONG>(bytes.size()), 0) == 0);
 }
 
 std::string Sha256::finish() {
-    std::array<unsigned char, kDigestBytes> digest{};
+    std::array<std::uint8_t, update::kSha256Bytes> digest{};
     require(BCryptFinishHash(context_.get(), digest.data(), static_cast<ULONG>(digest.size()), 0) == 0);
-    return hexadecimal(digest);
+    return update::sha256Text(digest);
 }
 
 }  // namespace vorthmere::publish

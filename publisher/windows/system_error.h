@@ -6,7 +6,7 @@
 
 namespace vorthmere::publish {
 
-/// What the calling thread's last failed call of Windows says, without a full stop.
+/// The reason of the calling thread's last failed Windows call, without a full stop.
 [[nodiscard]] std::string lastReason();
 
 /// Leaves "NAME cannot be WHAT: REASON." in `error`.

@@ -1,4 +1,4 @@
-// What kvn-release does with a channel that is not in order.
+// How kvn-release treats a damaged or unusual channel.
 
 #include <gmock/gmock.h>
 

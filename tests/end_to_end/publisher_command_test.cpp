@@ -1,4 +1,4 @@
-// kvn-release as a person uses it on the command line.
+// The command line of kvn-release and its output for a person.
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-// The manual page and the completion, which "cmake --install" puts beside the tool, name all that the tool can do.
+// "cmake --install": the manual page and the completion match the tool.
 
 #include <gmock/gmock.h>
 

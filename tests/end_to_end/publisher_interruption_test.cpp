@@ -120,6 +120,7 @@ TEST_F(PublisherInterruptionTest, KilledWhileItRemovesWhatIsOldItLeavesASoundCha
         killed = runPublisher(collect, ++call).exitCode == -1;
         const ToolEnd checked = runPublisher({"check", "--channel", channel_.string()});
         ASSERT_EQ(checked.exitCode, 0) << "killed before call " << call << "\n" << checked.output;
+        ASSERT_THAT(inventoriesThatLackObjects(channel_), testing::IsEmpty()) << "killed before call " << call;
         ASSERT_EQ(runPublisher(collect).exitCode, 0) << "killed before call " << call;
         ASSERT_EQ(channelContent() == complete, true) << "killed before call " << call;
     }

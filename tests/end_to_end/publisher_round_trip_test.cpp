@@ -121,7 +121,7 @@ TEST_F(PublisherRoundTripTest, PlanTellsWhatTheUpdaterThenDoes) {
     EXPECT_THAT(planned, testing::ContainsRegex("fetched: .*[ (]" + withSeparators(bytes) + " bytes"));
 }
 
-/// A game that changes at random from release to release, but in the same way in every run.
+/// A game that changes randomly from release to release.
 class DrawnGame {
 public:
     explicit DrawnGame(fs::path folder) : folder_(std::move(folder)) {}
@@ -132,7 +132,7 @@ public:
             changeOne();
     }
 
-    /// Writes a file whose path the test later gives to a folder.
+    /// Replaces a file by a folder.
     ///
     /// @return the file's path
     std::string makeAFolderOfAFile() {

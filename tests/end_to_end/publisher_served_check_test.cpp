@@ -1,4 +1,4 @@
-// kvn-release checks a channel as it is served.
+// kvn-release checks a served channel.
 
 #include <gmock/gmock.h>
 
@@ -22,8 +22,21 @@ protected:
             .wait(Milliseconds(30'000));
     }
 
-    [[nodiscard]] ToolEnd checkServed() const {
-        return runPublisher({"check", "--channel", channelUrl(""), "--ca-file", authority_.string()});
+    /// Publishes one more file.
+    void publishAgain(std::uint32_t release, const std::string& path, const std::vector<std::string>& options = {}) {
+        fs::remove_all(game_ / "data");
+        writeFile(game_ / path, "x");
+        std::vector<std::string> arguments = buildArguments(release, game_, served_);
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const ToolEnd end = runPublisher(arguments);
+        ASSERT_EQ(end.exitCode, 0) << end.output;
+    }
+
+    [[nodiscard]] ToolEnd checkServed(const std::vector<std::string>& options = {}) const {
+        std::vector<std::string> arguments{"check", "--channel", channelUrl("")};
+        if (!publisherIsForWindows()) arguments.insert(arguments.end(), {"--ca-file", authority_.string()});
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return runPublisher(arguments);
     }
 
     const fs::path served_ = folder_ / "downloads";
@@ -43,11 +56,30 @@ TEST_F(ServedChannelCheckTest, DocumentedServerIsSoundUntilAFileIsMissing) {
         writeFile(served_ / "KVN-release-42.zip", readFile(served_ / "KVN-release-42.zip") + "more");
         end = checkServed();
         EXPECT_EQ(end.exitCode, 1);
-        EXPECT_THAT(end.output, testing::AllOf(testing::HasSubstr("\"" + object + "\" is answered with HTTP 404."),
-                                               testing::HasSubstr("\"KVN-release-42.zip\" cannot be fetched: it is "
-                                                                  "larger than"),
-                                               testing::HasSubstr("The channel has 2 faults.")));
+        const std::string tooLarge =
+            publisherIsForWindows() ? "The update download is larger than the safety limit." : "it is larger than ";
+        EXPECT_THAT(end.output,
+                    testing::AllOf(testing::HasSubstr("\"" + object + "\" is answered with HTTP 404."),
+                                   testing::HasSubstr("\"KVN-release-42.zip\" cannot be fetched: " + tooLarge),
+                                   testing::HasSubstr("The channel has 2 faults.")));
     }
+}
+
+TEST_F(ServedChannelCheckTest, FileThatIsAFolderInAnOlderReleaseIsAFaultUnlessItIsAllowed) {
+    publishAgain(44, "data");
+    publishAgain(45, "data/x", {"--allow-folder-changes"});
+    const PlainChannel server(served_);
+    const std::string clash = "\"data\" is a file in release 44 and the folder of \"data/x\" in release 45";
+    const std::string note =
+        "Of the releases 29 to 44, the server has these inventories to compare files and folders "
+        "with: 42, 44.";
+    ToolEnd end = checkServed();
+    EXPECT_EQ(end.exitCode, 1);
+    EXPECT_THAT(end.output, testing::AllOf(testing::HasSubstr("\n" + clash), testing::HasSubstr("Note: " + note)));
+    end = checkServed({"--allow-folder-changes"});
+    EXPECT_THAT(end.output, testing::AllOf(testing::HasSubstr("Note: " + clash), testing::HasSubstr("Note: " + note)));
+    fs::remove(served_ / "KVN-release-44.zip.files");
+    EXPECT_THAT(checkServed().output, testing::Not(testing::HasSubstr(clash)));
 }
 
 TEST_F(ServedChannelCheckTest, ManifestThatMayBeCachedIsAFault) {

@@ -1,4 +1,4 @@
-// The server configuration of docs/publishing.md, read from there, with a real nginx and the real updater.
+// The server configuration in docs/publishing.md, with a real nginx and the real updater.
 
 #include <gmock/gmock.h>
 

@@ -36,15 +36,15 @@ protected:
         return content;
     }
 
-    /// Kills a build of release 42 after this many changes in the channel.
+    /// Kills a run after a number of changes in the channel.
     ///
-    /// @return false when the build ended before
-    [[nodiscard]] bool killAfter(int changes) const {
+    /// @return false when the run ended before
+    [[nodiscard]] bool killAfter(int changes, const std::vector<std::string>& arguments) const {
         FolderWatch watch;
         watch.add(channel_, kChanges);
         ProcessOptions options;
         options.outputFile = folder_ / "output";
-        ChildProcess tool(windowsPublisherCommand(buildArguments(42, game_, channel_)), options);
+        ChildProcess tool(windowsPublisherCommand(arguments), options);
         for (int seen = 0; seen < changes;) {
             const std::optional<FolderEvent> event = watch.next(Milliseconds(1));
             if (!event && tool.hasEnded(Milliseconds(0))) return false;
@@ -55,7 +55,7 @@ protected:
         }
         tool.killGroup();
         const bool killed = tool.wait(kLongestRun).exitCode == -1;
-        // Wine's server closes the files of a process a moment after its end.
+        // Wine's server closes the files of a process shortly after its end.
         while (fs::exists(channel_ / ".kvn-release-lock"))
             std::this_thread::sleep_for(Milliseconds(10));
         return killed;
@@ -90,7 +90,7 @@ TEST_F(PublisherWindowsTest, KilledAtAnyChangeItLeavesAWholeReleaseAndARepetitio
     for (int changes = 1;; ++changes) {
         fs::remove_all(channel_);
         fs::copy(before, channel_, fs::copy_options::recursive);
-        if (!killAfter(changes)) break;
+        if (!killAfter(changes, buildArguments(42, game_, channel_))) break;
         ++killed;
         const ToolEnd checked = check();
         ASSERT_EQ(checked.exitCode, 0) << "killed after change " << changes << "\n" << checked.output;
@@ -99,6 +99,35 @@ TEST_F(PublisherWindowsTest, KilledAtAnyChangeItLeavesAWholeReleaseAndARepetitio
         ASSERT_EQ(contentOf(channel_) == complete, true) << "killed after change " << changes;
     }
     EXPECT_GT(killed, 10);
+}
+
+TEST_F(PublisherWindowsTest, KilledWhileItRemovesWhatIsOldItLeavesASoundChannelAndARepetitionCompletes) {
+    constexpr int kOldFiles = 200;
+    for (int i = 0; i < kOldFiles; ++i)
+        writeFile(game_ / "old" / std::to_string(i), "old " + std::to_string(i));
+    publish(41);
+    fs::remove_all(game_ / "old");
+    publish(42);
+    const fs::path before = folder_ / "before";
+    fs::copy(channel_, before, fs::copy_options::recursive);
+    const std::vector<std::string> collect{"gc", "--channel", channel_.string(), "--keep", "1"};
+    ASSERT_EQ(runOnWindows(collect), 0) << readFile(folder_ / "output");
+    const auto complete = contentOf(channel_);
+    ASSERT_EQ(complete.size(), 7u) << "three files of one release and four objects";
+
+    int killed = 0;
+    for (int changes = 1; changes < kOldFiles; changes += 20) {
+        fs::remove_all(channel_);
+        fs::copy(before, channel_, fs::copy_options::recursive);
+        if (killAfter(changes, collect)) ++killed;
+        const ToolEnd checked = check();
+        ASSERT_EQ(checked.exitCode, 0) << "killed after change " << changes << "\n" << checked.output;
+        ASSERT_THAT(inventoriesThatLackObjects(channel_), testing::IsEmpty()) << "killed after change " << changes;
+        ASSERT_EQ(runOnWindows(collect), 0) << "killed after change " << changes << "\n"
+                                            << readFile(folder_ / "output");
+        ASSERT_EQ(contentOf(channel_) == complete, true) << "killed after change " << changes;
+    }
+    EXPECT_GT(killed, 5);
 }
 
 }  // namespace

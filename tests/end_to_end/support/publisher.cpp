@@ -1,5 +1,6 @@
 #include "tests/end_to_end/support/publisher.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <stdexcept>
 #include <string_view>
@@ -9,6 +10,8 @@
 #include "tests/end_to_end/support/programs.h"
 #include "tests/end_to_end/support/release_texts.h"
 #include "tests/support/temporary_folder.h"
+#include "update/file_inventory.h"
+#include "update/inventory_header.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::end_to_end {
@@ -32,9 +35,13 @@ std::filesystem::path publisherProgram() {
     return KVN_RELEASE;
 }
 
-std::vector<std::string> publisherCommand(const std::vector<std::string>& arguments) {
+bool publisherIsForWindows() {
     const char* const system = std::getenv("KVN_PUBLISHER");
-    if (system && std::string_view(system) == "windows") return windowsPublisherCommand(arguments);
+    return system && std::string_view(system) == "windows";
+}
+
+std::vector<std::string> publisherCommand(const std::vector<std::string>& arguments) {
+    if (publisherIsForWindows()) return windowsPublisherCommand(arguments);
     std::vector<std::string> command{publisherProgram()};
     command.insert(command.end(), arguments.begin(), arguments.end());
     return command;
@@ -63,6 +70,24 @@ std::vector<std::string> buildArguments(std::uint32_t release, const std::filesy
             "--channel",
             channel.string(),
             "--allow-any-programs"};
+}
+
+std::vector<std::string> inventoriesThatLackObjects(const std::filesystem::path& channel) {
+    std::vector<std::string> lacking;
+    for (const auto& file : std::filesystem::directory_iterator(channel)) {
+        if (file.path().extension() != update::kInventorySuffix) continue;
+        const std::string text = readFile(file.path());
+        update::Manifest header;
+        std::vector<update::InventoryEntry> entries;
+        std::string fault;
+        if (!update::readInventoryHeader(text, header) || !update::parseFileInventory(text, header, entries, fault))
+            throw std::runtime_error(file.path().string() + " cannot be read. " + fault);
+        const bool lacksOne = std::any_of(entries.begin(), entries.end(), [&channel](const auto& entry) {
+            return !exists(channel / update::objectName(entry.sha256));
+        });
+        if (lacksOne) lacking.push_back(file.path().filename());
+    }
+    return lacking;
 }
 
 ReleaseFiles publishedFiles(std::uint32_t release, const std::filesystem::path& game) {

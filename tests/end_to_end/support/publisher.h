@@ -21,21 +21,26 @@ struct ToolEnd {
 ///                   never
 ToolEnd runPublisher(const std::vector<std::string>& arguments, unsigned killAtCall = 0);
 
-/// The tool for this system, for a test that starts it in its own way.
+/// The tool for this system, for a test that starts it itself.
 [[nodiscard]] std::filesystem::path publisherProgram();
 
-/// A command for ChildProcess that runs the tested tool: the one for this system or, with KVN_PUBLISHER=windows in the
-/// environment, kvn-release.exe under Wine.
+/// True with KVN_PUBLISHER=windows in the environment: then kvn-release.exe is tested, under Wine.
+[[nodiscard]] bool publisherIsForWindows();
+
+/// A command for ChildProcess that runs the tool which is tested.
 [[nodiscard]] std::vector<std::string> publisherCommand(const std::vector<std::string>& arguments);
 
 /// A command for ChildProcess that runs kvn-release.exe under Wine.
 [[nodiscard]] std::vector<std::string> windowsPublisherCommand(const std::vector<std::string>& arguments);
 
-/// The command line of a build with the sample release's details, which accepts any files as programs.
+/// The command line of a build with the sample release's details that accepts any files as programs.
 [[nodiscard]] std::vector<std::string> buildArguments(std::uint32_t release, const std::filesystem::path& game,
                                                       const std::filesystem::path& channel);
 
-/// What a release that was built with buildArguments() installs: the files of the game folder, and the generated ones.
+/// The inventories of a channel that name an object which the channel does not have.
+[[nodiscard]] std::vector<std::string> inventoriesThatLackObjects(const std::filesystem::path& channel);
+
+/// The files of a release that was built with buildArguments(): those of the game folder and the generated ones.
 [[nodiscard]] ReleaseFiles publishedFiles(std::uint32_t release, const std::filesystem::path& game);
 
 }  // namespace vorthmere::end_to_end

@@ -9,7 +9,7 @@
 
 namespace vorthmere::end_to_end {
 
-/// nginx with the configuration of docs/publishing.md, read from there, with the names of this machine in it.
+/// nginx with the configuration in docs/publishing.md, adapted to this machine.
 class DocumentedServer {
 public:
     /// @param root the folder that holds the channel folder "downloads"

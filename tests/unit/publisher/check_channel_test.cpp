@@ -8,6 +8,7 @@
 #include "publisher/release_staging.h"
 #include "publisher/release_texts.h"
 #include "tests/unit/publisher/publishing.h"
+#include "update/metadata_text.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::publish::testing {
@@ -39,7 +40,7 @@ protected:
         return found;
     }
 
-    /// Makes a channel from the game folder without any of the rules by which buildRelease() judges one.
+    /// Makes a channel from the game folder without the rules of buildRelease().
     [[nodiscard]] fs::path channelOfAnyFiles() const {
         GameFolder found;
         std::string error;
@@ -50,7 +51,7 @@ protected:
                                        std::string(update::kReleaseMarkerName)};
         for (const ReleaseFile& file : files)
             paths.push_back(file.entry.path);
-        for (const auto& [name, text] : {std::pair{update::kManagedFileListName, managedFileListText(paths)},
+        for (const auto& [name, text] : {std::pair{update::kManagedFileListName, update::managedFileListText(paths)},
                                          std::pair{update::kReleaseMarkerName, releaseMarkerText(details)}})
             files.push_back({{std::string(name), {}, text.size()}, {}, text});
         EXPECT_TRUE(hashFiles(files, error)) << error;

@@ -7,7 +7,7 @@
 
 namespace vorthmere::publish::testing {
 
-/// While it lives, the process has no more rights than any other account.
+/// While it lives, the process has the rights of an ordinary account.
 class NoPrivileges {
 public:
     NoPrivileges() {

@@ -150,7 +150,7 @@ TEST_F(PackageTest, StoppedPackageHasNoSentence) {
     EXPECT_EQ(error, "");
 }
 
-/// Looks as if it could not be deflated wherever it is tried, and is zeros for the most part.
+/// Content that cannot be deflated wherever it is tried, but is mostly zeros.
 std::string contentThatMisleads() {
     constexpr std::size_t kTriedPlaces = 8;
     constexpr std::size_t kTriedBytes = 8192;
@@ -168,13 +168,20 @@ TEST_F(PackageTest, PackageThatIsTooLargeAsItWasJudgedIsDeflatedThroughout) {
     std::string error;
     ASSERT_TRUE(hashFiles(files, error)) << error;
     ASSERT_FALSE(files[0].worthDeflating);
-    EXPECT_TRUE(writePackage(files, {package, kLimit}, false, taken, ignoreBytes, error)) << error;
+    std::uint64_t packed = 0;
+    const BytesDone count = [&packed](std::uint64_t bytes) { packed += bytes; };
+    EXPECT_TRUE(writePackage(files, {package, kLimit}, false, taken, count, error)) << error;
     EXPECT_EQ(verify(), "");
     EXPECT_LT(facts.size, kLimit / 4);
+    EXPECT_LE(packed, 2 * kBlockBytes) << "packed twice";
     files.pop_back();
     EXPECT_TRUE(writePackage(files, {package, kLimit}, false, taken, ignoreBytes, error)) << error;
     EXPECT_EQ(verify(), "");
     EXPECT_GT(facts.size, kBlockBytes) << "stored as it was judged when it fits";
+    // The stored content would fit, but not together with the headers.
+    EXPECT_TRUE(writePackage(files, {package, kBlockBytes + 10}, false, taken, ignoreBytes, error)) << error;
+    EXPECT_EQ(verify(), "");
+    EXPECT_LT(facts.size, kLimit / 4);
 }
 
 TEST_F(PackageTest, LargeFilesAreOneStreamOfManyParts) {

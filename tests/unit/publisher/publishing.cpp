@@ -49,7 +49,7 @@ std::string windowsProgram(std::string_view text) {
     std::string program = "MZ";
     program.resize(kHeaderAt);
     program[0x3C] = kHeaderAt;
-    // Signature, machine x64; the optional header is a 64-bit one, and the file is a program.
+    // Signature, machine x64, an optional header for 64 bits, the flags of a program.
     program.append("PE\0\0\x64\x86", 6).append(16, '\0').append("\x22\0\x0B\x02", 4);
     return program.append(100, '\0').append(text).append(100, '\0');
 }

@@ -16,17 +16,17 @@
 
 namespace vorthmere::publish::testing {
 
-/// Every entry of a folder and what it is: a file's content, "folder", or "link to ...".
+/// The entries of a folder by path: a file's content, "folder", or "link to ...".
 using Tree = std::map<std::string, std::string>;
 [[nodiscard]] Tree readTree(const std::filesystem::path& folder);
 
 /// Content that deflate cannot shrink; the same for the same seed.
 [[nodiscard]] std::string packedContent(std::size_t size, unsigned seed = 1);
 
-/// What passes for a 64-bit Windows program by its head, with a text in it.
+/// A file with the header of a 64-bit Windows program and a text in it.
 [[nodiscard]] std::string windowsProgram(std::string_view text);
 
-/// Digests files without showing it.
+/// Digests files without output.
 [[nodiscard]] bool hashFiles(std::vector<ReleaseFile>& files, std::string& error);
 
 /// A game folder with a small game in it, and a channel folder that does not exist yet.
@@ -48,7 +48,7 @@ protected:
         return refusalOf(request(release));
     }
 
-    /// What the channel offers, as the updater reads it.
+    /// The channel's manifest and inventory, as the updater reads them.
     [[nodiscard]] update::Manifest manifest() const;
     [[nodiscard]] std::vector<update::InventoryEntry> inventory() const;
 

@@ -12,7 +12,7 @@
 namespace vorthmere::publish::testing {
 namespace {
 
-// The folder itself, the one above it and the first entry, in whatever order they come.
+// ".", ".." and the first entry, in any order.
 constexpr int kReadBeforeFailure = 3;
 
 int lockError = 0;
@@ -70,7 +70,7 @@ bool SyncedFolders::holds(const std::filesystem::path& folder) {
 
 }  // namespace vorthmere::publish::testing
 
-// What the program itself defines is found before the system's library, by the other libraries too.
+// The loader prefers functions of the program to those of the system's library, for all libraries.
 extern "C" {
 
 int flock(int file, int operation) noexcept {

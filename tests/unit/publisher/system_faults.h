@@ -4,8 +4,7 @@
 
 namespace vorthmere::publish::testing {
 
-/// Calls to the system that fail in this program as no test could make them fail by what it does to the disk. One
-/// object of each kind at a time.
+/// Make system calls fail as no state of the disk would. At most one object of each kind may live at a time.
 
 /// While it lives, nothing can be locked.
 class FailingLocks {
@@ -17,7 +16,7 @@ public:
     FailingLocks& operator=(const FailingLocks&) = delete;
 };
 
-/// While it lives, reading the entries of one folder breaks off behind the first.
+/// While it lives, the listing of one folder breaks off after the first entry.
 class FailingListing {
 public:
     /// @param errorNumber what readdir() leaves in errno
@@ -27,7 +26,7 @@ public:
     FailingListing& operator=(const FailingListing&) = delete;
 };
 
-/// While it lives, it notes which folders the program waits for to be on the disk.
+/// While it lives, it notes which folders the program syncs to the disk.
 class SyncedFolders {
 public:
     SyncedFolders();

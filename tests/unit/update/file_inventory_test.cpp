@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "tests/support/sample_metadata.h"
+#include "update/inventory_header.h"
+#include "update/metadata_text.h"
 
 namespace vorthmere::update {
 
@@ -414,6 +416,45 @@ TEST(FileInventory, NamesTheFirstFaultInTheOrderOfItsChecks) {
     expectRefused(plus(kHeader, records(longPaths)), kNoMarker);
     expectRefused(plus(kHeader, records(plus(longPaths, {"kvn_release.txt"}))), kListSize);
     expectRefused(plus(kHeader, records({"kvn_release.txt"})), kListMissing);
+}
+
+TEST(FileInventory, TextIsWhatTheReaderReads) {
+    EXPECT_EQ(inventoryText(sampleManifest(), sampleEntries()), joinLines(kValid));
+}
+
+TEST(FileInventory, HeaderTellsTheRelease) {
+    Manifest manifest;
+    ASSERT_TRUE(readInventoryHeader(joinLines(kHeader), manifest));
+    EXPECT_EQ(manifest.sha256, sampleManifest().sha256);
+    EXPECT_EQ(manifest.release, sampleManifest().release);
+    EXPECT_EQ(manifest.protocol, sampleManifest().protocol);
+    EXPECT_EQ(manifest.version, sampleManifest().version);
+}
+
+TEST(FileInventory, WhatHasOtherLinesAfterTheFirstHasNoHeader) {
+    Manifest manifest;
+    for (const std::string key : {"archive", "release", "protocol", "version"}) {
+        EXPECT_FALSE(readInventoryHeader(joinLines(withoutLine(kHeader, key)), manifest)) << key;
+        EXPECT_FALSE(readInventoryHeader(joinLines(withLine(kHeader, key, key + "x=1")), manifest)) << key;
+        EXPECT_FALSE(readInventoryHeader(joinLines(withLine(kHeader, key, key)), manifest)) << key;
+    }
+    for (const std::string key : {"release", "protocol"})
+        EXPECT_FALSE(readInventoryHeader(joinLines(withLine(kHeader, key, key + "=one")), manifest)) << key;
+}
+
+TEST(FileInventory, ListThatLeavesOutOrAddsAFileNamesOthers) {
+    const Entries entries = sampleEntries();
+    Lines listed;
+    for (const InventoryEntry& entry : entries)
+        listed.insert(listed.begin(), entry.path);
+    EXPECT_TRUE(namesSameFiles(entries, listed));
+    listed.front() += "x";
+    EXPECT_FALSE(namesSameFiles(entries, listed));
+    listed.erase(listed.begin());
+    EXPECT_FALSE(namesSameFiles(entries, listed));
+    listed.push_back(entries.back().path);
+    listed.push_back("one more");
+    EXPECT_FALSE(namesSameFiles(entries, listed));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tests/support/sample_metadata.h"
+#include "update/metadata_text.h"
 
 namespace vorthmere::update {
 namespace {
@@ -188,6 +189,11 @@ TEST(ManagedFileList, EmptiesTheResultOnEntry) {
     paths = {"what stood here before"};
     EXPECT_FALSE(parseManagedFileList("a\nb\n../c\nd\n", paths, error));
     EXPECT_EQ(paths, (Lines{"a", "b"}));
+}
+
+TEST(ManagedFileList, TextHasTheRequiredFilesLastAndOtherwiseTheGivenOrder) {
+    EXPECT_EQ(managedFileListText({"KVNUpdater.exe", "b", "KVN_MANAGED_FILES.txt", "Vorthmere.exe", "a/Vorthmere.exe"}),
+              "b\na/Vorthmere.exe\nKVNUpdater.exe\nKVN_MANAGED_FILES.txt\nVorthmere.exe\n");
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/support/sample_metadata.h"
+#include "update/metadata_text.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::update {
@@ -440,6 +441,14 @@ TEST(Manifest, NamesTheFirstFaultInTheOrderOfItsChecks) {
     expectRefused(Lines{kValid[0], "no field"}, kMalformed);
     expectRefused(Lines{kValid[0], "unknown=1"}, kUnknown);
     expectRefused(Lines{kValid[0], "release=42", "release=42"}, kDuplicate);
+}
+
+TEST(Manifest, TextIsWhatTheReaderReads) {
+    Manifest manifest = sampleManifest();
+    EXPECT_EQ(manifestText(manifest), joinLines(manifestLines(manifest)));
+    manifest.mandatory = false;
+    manifest.notes.clear();
+    EXPECT_EQ(expectAccepted(manifestText(manifest)), manifest);
 }
 
 }  // namespace
