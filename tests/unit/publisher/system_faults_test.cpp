@@ -32,7 +32,7 @@ TEST_F(SystemFaultsTest, ChannelThatCannotBeListedDoesNotTellItsNumbers) {
 }
 
 TEST_F(SystemFaultsTest, NewFolderIsOnTheDiskInTheOneAboveIt) {
-    const SyncedFolders synced;
+    const SyncedFolders folders;
     std::vector<fs::path> made;
     std::string error;
     ASSERT_TRUE(createFolders(folder / "served/downloads", made, error)) << error;
