@@ -3,7 +3,7 @@
 #include <functional>
 #include <numeric>
 
-#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/base_fixture.h"
 #include "tests/end_to_end/support/digest.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/sample_release.h"

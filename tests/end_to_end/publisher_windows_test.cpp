@@ -8,7 +8,7 @@
 #include "tests/end_to_end/support/child_process.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/folder_watch.h"
-#include "tests/end_to_end/support/publisher_test.h"
+#include "tests/end_to_end/support/publisher_fixture.h"
 #include "tests/end_to_end/support/tree_snapshot.h"
 
 namespace vorthmere::end_to_end {

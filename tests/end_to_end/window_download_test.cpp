@@ -5,7 +5,7 @@
 
 #include "tests/end_to_end/support/channel.h"
 #include "tests/end_to_end/support/sample_release.h"
-#include "tests/end_to_end/support/window_test.h"
+#include "tests/end_to_end/support/window_fixture.h"
 
 namespace vorthmere::end_to_end {
 namespace {
