@@ -5,6 +5,7 @@
 #include "tests/end_to_end/support/base_fixture.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/sample_release.h"
+#include "tests/support/report_fields.h"
 
 namespace vorthmere::end_to_end {
 namespace {
@@ -109,7 +110,7 @@ TEST_F(GameTest, StartsItsOwnUpdaterAndIsStartedAgainAsTheNewRelease) {
     EXPECT_EQ(game.wait(Milliseconds(60'000)).exitCode, 0);
     EXPECT_EQ(gameReport(), expectedReport());
     expectRelease42();
-    EXPECT_THAT(transferReport(), testing::StartsWith("mode=incremental"));
+    EXPECT_THAT(transferReport(), update::testing::reports({{"mode", "incremental"}}));
     EXPECT_TRUE(waitUntilUpdaterIsDone());
 }
 
