@@ -139,6 +139,8 @@ int wmain(int argc, wchar_t** argv) {
         CloseHandle(CreateFileW(argv[2], GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
         waitForEvent(argv[3]);
         return 0;
+    } else if (action == L"sleep") {
+        Sleep(kLongestWaitMs);
     } else if (action == L"wait") {
         waitForEvent(argv[2]);
     } else {
