@@ -4,7 +4,6 @@
 #include <numeric>
 
 #include "tests/end_to_end/support/base_fixture.h"
-#include "tests/end_to_end/support/digest.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/sample_release.h"
 #include "tests/support/report_fields.h"
@@ -17,7 +16,7 @@ using testing::ElementsAre;
 using update::testing::reports;
 
 fs::path objectOf(const PublishedRelease& release, const std::string& content) {
-    return release.folder / ("KVN-file-" + sha256(content) + ".bin");
+    return release.folder / objectName(content);
 }
 
 /// One reason for an incremental update to fail, prepared in a scenario.

@@ -6,6 +6,7 @@
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/publisher_fixture.h"
 #include "tests/end_to_end/support/publisher_server.h"
+#include "tests/end_to_end/support/release_texts.h"
 
 namespace vorthmere::end_to_end {
 namespace {
