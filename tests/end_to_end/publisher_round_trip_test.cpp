@@ -81,11 +81,7 @@ TEST_F(PublisherRoundTripTest, UpdaterInstallsTheCompletePackageWhenTheInventory
 }
 
 TEST_F(PublisherRoundTripTest, StoredFilesOfAPackageAreInstalled) {
-    std::string packed;
-    for (std::uint32_t value = 1; packed.size() < 300'000;) {
-        value = value * 1664525 + 1013904223;
-        packed.push_back(static_cast<char>(value >> 24));
-    }
+    const std::string packed = noise(300'000, 1);
     writeFile(game_ / "data/packed.pak", packed);
     publish();
     EXPECT_GT(packageBytes(), packed.size());
