@@ -48,6 +48,9 @@ inline SceneCall creating(std::string path) {
         return failure;
     };
 }
+inline SceneCall flushing(std::string path) {
+    return [=](const Scene& scene) { return flushFile(scene.at(path)); };
+}
 inline SceneCall askingAttributes(std::string path) {
     return [=](const Scene& scene) {
         std::error_code failure;

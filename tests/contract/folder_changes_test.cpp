@@ -49,7 +49,11 @@ TEST(FolderContract, RemovesOneEmptyFolder) {
          .expected = 32,
          .also = [](World& world, const Scene& scene) { ASSERT_EQ(world.enter(scene.at("d")), 0u); }},
         {"a link to a folder is removed itself", "d/ d/a l->d", removingFolder("l"), 0, "d/ d/a=d/a"},
-        {"a link to nothing is removed itself", "d/ l->d", removingFolder("l"), 0, "d/"},
+        {"a link to an empty folder is removed itself", "d/ l->d", removingFolder("l"), 0, "d/"},
+        {.rule = "a link to nothing is removed itself",
+         .entries = "d/ l->d",
+         .call = removingFolder("l"),
+         .also = [](World&, const Scene& scene) { ASSERT_FALSE(removeEmptyFolder(scene.at("d"))); }},
     });
 }
 

@@ -109,13 +109,29 @@ TEST_F(ProgramContract, ANumberOfNoProcessIsAWrongParameter) {
 }
 
 TEST_F(ProgramContract, AStartedProcessCanBeEnded) {
+    scene.write("game.exe", world.programBytes());
+    Pipe pipe;
+    ASSERT_FALSE(openPipe(pipe));
+    const ProcessHandle game =
+        startCaptured(scene.at("game.exe"), L"\"game.exe\" sleep", scene.at(""), pipe.writeEnd, failure);
+    ASSERT_TRUE(game) << failure.value();
+    EXPECT_FALSE(waitForEnd(game, 0));
+    endProcess(game, 9);
+    EXPECT_TRUE(waitForEnd(game, kLongWaitMs));
+    EXPECT_EQ(exitCodeOf(game, kUnknown), 9u);
+}
+
+TEST_F(ProgramContract, AProcessThatHasEndedKeepsItsExitCode) {
     Pipe pipe;
     ASSERT_FALSE(openPipe(pipe));
     const ProcessHandle tool = startArchiveTool(pipe);
     ASSERT_TRUE(tool);
     EXPECT_TRUE(waitForEnd(tool, kLongWaitMs));
     endProcess(tool, 9);
-    EXPECT_EQ(exitCodeOf(tool, kUnknown), 1u) << "it had ended before";
+    EXPECT_EQ(exitCodeOf(tool, kUnknown), 1u);
+}
+
+TEST_F(ProgramContract, NoProcessHasAnExitCodeOrAnEnd) {
     EXPECT_EQ(exitCodeOf(ProcessHandle(), kUnknown), kUnknown);
     EXPECT_FALSE(waitForEnd(ProcessHandle(), 0));
 }

@@ -53,8 +53,4 @@ std::string describe(const Outcome& outcome) {
     return follows(world, rule, Outcome{static_cast<std::uint32_t>(failure.value())}, Outcome{demanded});
 }
 
-bool isExcused(const World& world, std::string_view rule) {
-    return !world.isWindowsToTheLetter() && exceptionOf(rule) != nullptr;
-}
-
 }  // namespace vorthmere::update::contract

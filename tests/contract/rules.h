@@ -29,7 +29,4 @@ struct Outcome {
 [[nodiscard]] ::testing::AssertionResult follows(const World& world, std::string_view rule,
                                                  const std::error_code& failure, std::uint32_t demanded);
 
-/// True when the world is excused from the rule, so that the test need not look at the outcome.
-[[nodiscard]] bool isExcused(const World& world, std::string_view rule);
-
 }  // namespace vorthmere::update::contract

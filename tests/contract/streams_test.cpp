@@ -1,4 +1,4 @@
-// openToRead, createToWrite, readBytes, writeBytes and closeFile.
+// openToRead, createToWrite, readBytes, writeBytes, flushFile and closeFile.
 #include <array>
 
 #include "tests/contract/calls.h"
@@ -36,6 +36,27 @@ TEST(StreamContract, OpensAFile) {
         {"a missing file is not opened", "", reading("a"), 2},
         {"a folder is not opened to read", "d/", reading("d"), 5},
         {"a missing file is not opened through a link", "d/ l->d/a", reading("l"), 2},
+    });
+}
+
+TEST(StreamContract, FlushesAFile) {
+    expectAll({
+        {"a file is flushed", "a", flushing("a"), 0, "a=a"},
+        {"a file is flushed below a link", "d/ d/a l->d", flushing("l/a"), 0, "d/ d/a=d/a l@"},
+        {.rule = "a file is flushed while others read and write it",
+         .entries = "a",
+         .call = flushing("a"),
+         .after = "a=a",
+         .holds = {{"a", access::read | access::write, access::read | access::write}}},
+        {.rule = "a file that others may not write is not flushed",
+         .entries = "a",
+         .call = flushing("a"),
+         .expected = 32,
+         .holds = {{"a", access::read, access::read}}},
+        {"a read-only file is not flushed", "!a", flushing("a"), 5},
+        {"a missing file is not flushed", "", flushing("a"), 2},
+        {"a file in a missing folder is not flushed", "", flushing("d/a"), 3},
+        {"a folder is not flushed", "d/", flushing("d"), 5},
     });
 }
 

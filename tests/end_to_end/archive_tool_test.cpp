@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
-#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/base_fixture.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/programs.h"
 

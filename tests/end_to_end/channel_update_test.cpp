@@ -4,11 +4,12 @@
 
 #include <sstream>
 
-#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/base_fixture.h"
 #include "tests/end_to_end/support/channel.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/programs.h"
 #include "tests/end_to_end/support/sample_release.h"
+#include "tests/support/report_fields.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::end_to_end {
@@ -16,6 +17,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::ElementsAreArray;
+using update::testing::reports;
 
 class ChannelUpdateTest : public EndToEndTest {
 protected:
@@ -48,9 +50,8 @@ TEST_F(ChannelUpdateTest, ChangedFilesAreAskedForInTheOrderOfTheInventory) {
     expectRelease42();
     EXPECT_THAT(channel.requests(), ElementsAreArray(expected));
     const std::size_t downloaded = expected.size() - 2;
-    EXPECT_EQ(transferReport(), "mode=incremental\r\nreused=" + std::to_string(sampleRelease42().size() - downloaded) +
-                                    "\r\ndownloaded=" + std::to_string(downloaded) +
-                                    "\r\nbytes=" + std::to_string(bytes) + "\r\n");
+    EXPECT_THAT(transferReport(),
+                reports({{"downloaded", std::to_string(downloaded)}, {"bytes", std::to_string(bytes)}}));
 }
 
 TEST_F(ChannelUpdateTest, WithoutAnInventoryTheCompletePackageIsAskedFor) {
@@ -58,7 +59,7 @@ TEST_F(ChannelUpdateTest, WithoutAnInventoryTheCompletePackageIsAskedFor) {
     EXPECT_EQ(runUpdater(Source::channel), 0);
     expectRelease42();
     EXPECT_THAT(channel.requests(), ElementsAre(requestFor(manifest), requestFor(inventory), requestFor(package)));
-    EXPECT_EQ(transferReport(), "mode=full\r\nbytes=" + scenario.release.manifestText.size + "\r\n");
+    EXPECT_THAT(transferReport(), reports({{"mode", "full"}}));
 }
 
 TEST(ChannelHandles, HundredsOfDownloadsLeaveNoHandleOpen) {

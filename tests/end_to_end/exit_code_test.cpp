@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/base_fixture.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/sample_release.h"
 

@@ -3,20 +3,20 @@
 #include <functional>
 #include <numeric>
 
-#include "tests/end_to_end/support/base_test.h"
-#include "tests/end_to_end/support/digest.h"
+#include "tests/end_to_end/support/base_fixture.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/sample_release.h"
+#include "tests/support/report_fields.h"
 
 namespace vorthmere::end_to_end {
 namespace {
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
-using testing::HasSubstr;
+using update::testing::reports;
 
 fs::path objectOf(const PublishedRelease& release, const std::string& content) {
-    return release.folder / ("KVN-file-" + sha256(content) + ".bin");
+    return release.folder / objectName(content);
 }
 
 /// One reason for an incremental update to fail, prepared in a scenario.
@@ -135,7 +135,7 @@ protected:
     void expectCompleteUpdate(bool inventoryStays) {
         EXPECT_EQ(runUpdater(Source::incremental), 0);
         expectRelease42();
-        EXPECT_EQ(transferReport(), "mode=full\r\nbytes=" + scenario.release.manifestText.size + "\r\n");
+        EXPECT_THAT(transferReport(), reports({{"mode", "full"}, {"bytes", scenario.release.manifestText.size}}));
         if (inventoryStays)
             EXPECT_THAT(workFolderContent(), ElementsAre("backup", "inventory.txt", "transfer.txt"));
         else
@@ -176,7 +176,7 @@ TEST_F(FallbackTest, ChangesAsLargeAsThePackageAreNotWorthFetchingOneByOne) {
     scenario.release = publishPackage(scenario.release.folder, files, 42);
     EXPECT_EQ(runUpdater(Source::incremental), 0);
     expectInstalled(files);
-    EXPECT_EQ(transferReport(), "mode=full\r\nbytes=" + std::to_string(changing) + "\r\n");
+    EXPECT_THAT(transferReport(), reports({{"mode", "full"}, {"bytes", std::to_string(changing)}}));
 }
 
 TEST_F(FallbackTest, ChangesOneByteSmallerThanThePackageAreFetched) {
@@ -185,7 +185,7 @@ TEST_F(FallbackTest, ChangesOneByteSmallerThanThePackageAreFetched) {
     writeFile(scenario.release.manifest, renderManifest(manifest));
     EXPECT_EQ(runUpdater(Source::incremental), 0);
     expectRelease42();
-    EXPECT_THAT(transferReport(), HasSubstr("mode=incremental\r\n"));
+    EXPECT_THAT(transferReport(), reports({{"mode", "incremental"}}));
 }
 
 TEST_F(FallbackTest, AnInstalledFileThatVanishesBeforeItIsReusedComesFromThePackage) {
@@ -202,7 +202,7 @@ TEST_F(FallbackTest, AnInstalledFileThatVanishesBeforeItIsReusedComesFromThePack
     EXPECT_EQ(updater.wait(Milliseconds(60'000)).exitCode, 0);
     finishRun();
     expectRelease42();
-    EXPECT_THAT(transferReport(), HasSubstr("mode=full\r\n"));
+    EXPECT_THAT(transferReport(), reports({{"mode", "full"}}));
 }
 
 TEST_F(FallbackTest, AnIncrementalUpdateCopiesWhatIsThereAndFetchesTheRest) {
@@ -214,9 +214,10 @@ TEST_F(FallbackTest, AnIncrementalUpdateCopiesWhatIsThereAndFetchesTheRest) {
         (same ? reused : fetched) += 1;
     }
     EXPECT_EQ(runUpdater(Source::incremental), 0);
-    EXPECT_EQ(transferReport(), "mode=incremental\r\nreused=" + std::to_string(reused) +
-                                    "\r\ndownloaded=" + std::to_string(fetched) +
-                                    "\r\nbytes=" + std::to_string(bytesThatChange(sampleRelease42())) + "\r\n");
+    EXPECT_THAT(transferReport(), reports({{"mode", "incremental"},
+                                           {"reused", std::to_string(reused)},
+                                           {"downloaded", std::to_string(fetched)},
+                                           {"bytes", std::to_string(bytesThatChange(sampleRelease42()))}}));
 }
 
 TEST_F(FallbackTest, NothingIsFetchedWhenEverythingIsThereAlready) {
@@ -225,8 +226,7 @@ TEST_F(FallbackTest, NothingIsFetchedWhenEverythingIsThereAlready) {
     layOut(sampleRelease42(), scenario.installation);
     EXPECT_EQ(runUpdater(Source::incremental), 0);
     expectRelease42();
-    EXPECT_EQ(transferReport(), "mode=incremental\r\nreused=" + std::to_string(sampleRelease42().size()) +
-                                    "\r\ndownloaded=0\r\nbytes=0\r\n");
+    EXPECT_THAT(transferReport(), reports({{"mode", "incremental"}, {"downloaded", "0"}, {"bytes", "0"}}));
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 
 #include "tests/end_to_end/support/channel.h"
 #include "tests/end_to_end/support/channel_sentences.h"
-#include "tests/end_to_end/support/full_disk_test.h"
+#include "tests/end_to_end/support/full_disk_fixture.h"
 
 namespace vorthmere::end_to_end {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/end_to_end/support/full_disk_test.h"
+#include "tests/end_to_end/support/full_disk_fixture.h"
 
 namespace vorthmere::end_to_end {
 namespace {

@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 
-#include <thread>
-
-#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/base_fixture.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/sample_release.h"
+#include "tests/end_to_end/support/waiting.h"
+#include "tests/support/report_fields.h"
 
 namespace vorthmere::end_to_end {
 namespace {
@@ -22,22 +22,13 @@ protected:
 
     /// Waits for the game's report about its start, and returns it.
     std::string gameReport() const {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-        while (!fs::exists(scenario.gameReport)) {
-            if (std::chrono::steady_clock::now() > deadline) return "the game never started";
-            std::this_thread::yield();
-        }
-        return readFile(scenario.gameReport);
+        const bool hasStarted = waitUntil([this] { return fs::exists(scenario.gameReport); });
+        return hasStarted ? readFile(scenario.gameReport) : "the game never started";
     }
 
     /// Waits until the updater has cleared its work folder, which is the last thing that it does.
     bool waitUntilUpdaterIsDone() const {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-        while (fs::exists(scenario.workFolder / "staging")) {
-            if (std::chrono::steady_clock::now() > deadline) return false;
-            std::this_thread::yield();
-        }
-        return true;
+        return waitUntil([this] { return !fs::exists(scenario.workFolder / "staging"); });
     }
 
     std::string expectedReport() const {
@@ -109,7 +100,7 @@ TEST_F(GameTest, StartsItsOwnUpdaterAndIsStartedAgainAsTheNewRelease) {
     EXPECT_EQ(game.wait(Milliseconds(60'000)).exitCode, 0);
     EXPECT_EQ(gameReport(), expectedReport());
     expectRelease42();
-    EXPECT_THAT(transferReport(), testing::StartsWith("mode=incremental"));
+    EXPECT_THAT(transferReport(), update::testing::reports({{"mode", "incremental"}}));
     EXPECT_TRUE(waitUntilUpdaterIsDone());
 }
 

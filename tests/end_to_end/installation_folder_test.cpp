@@ -1,15 +1,15 @@
 #include <gmock/gmock.h>
 
-#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/base_fixture.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/programs.h"
 #include "tests/end_to_end/support/sample_release.h"
+#include "tests/support/report_fields.h"
 
 namespace vorthmere::end_to_end {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::HasSubstr;
 
 class InstallationFolderTest : public EndToEndTest {};
 
@@ -32,7 +32,7 @@ TEST_F(InstallationFolderTest, MayBeTheCurrentFolderAndTheFilesRelativeToIt) {
     command.objectDirectory = "..\\..\\channel";
     EXPECT_EQ(runUpdater(command), 0);
     expectRelease42();
-    EXPECT_THAT(transferReport(), HasSubstr("mode=incremental"));
+    EXPECT_THAT(transferReport(), update::testing::reports({{"mode", "incremental"}}));
 }
 
 TEST_F(InstallationFolderTest, MayEndInABackslash) {

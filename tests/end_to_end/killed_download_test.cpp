@@ -1,5 +1,5 @@
 #include "tests/end_to_end/support/channel.h"
-#include "tests/end_to_end/support/killed_test.h"
+#include "tests/end_to_end/support/killed_fixture.h"
 
 namespace vorthmere::end_to_end {
 namespace {

@@ -1,14 +1,14 @@
 #include <gmock/gmock.h>
 
-#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/base_fixture.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/sample_release.h"
+#include "tests/support/report_fields.h"
 
 namespace vorthmere::end_to_end {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::HasSubstr;
 
 /// Links in every place where the updater works, which lead to content outside the installation. EndToEndTest checks
 /// that this content survives. Under Wine a link can be told from a folder, but cannot be removed.
@@ -76,7 +76,7 @@ TEST_F(LinkTest, AManagedFolderThatIsALinkEndsTheRunAndIsKept) {
         fs::create_directory_symlink(outside, scenario.installation / folder);
         const TreeSnapshot before = scenario.takeInstallationSnapshot();
         EXPECT_EQ(runUpdater(Source::incremental), 27);
-        EXPECT_THAT(transferReport(), HasSubstr("mode=full"));
+        EXPECT_THAT(transferReport(), update::testing::reports({{"mode", "full"}}));
         expectInstallation(before);
         fs::remove(scenario.installation / folder);
         fs::rename(aside, scenario.installation / folder);

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "tests/end_to_end/support/window_test.h"
+#include "tests/end_to_end/support/window_fixture.h"
 
 namespace vorthmere::end_to_end {
 namespace {

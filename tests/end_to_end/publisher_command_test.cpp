@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/end_to_end/support/files.h"
-#include "tests/end_to_end/support/publisher_test.h"
+#include "tests/end_to_end/support/publisher_fixture.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::end_to_end {

@@ -7,7 +7,7 @@
 
 #include "tests/end_to_end/support/child_process.h"
 #include "tests/end_to_end/support/files.h"
-#include "tests/end_to_end/support/publisher_test.h"
+#include "tests/end_to_end/support/publisher_fixture.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::end_to_end {

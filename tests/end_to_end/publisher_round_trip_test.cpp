@@ -2,15 +2,14 @@
 
 #include <gmock/gmock.h>
 
-#include <cinttypes>
-#include <cstdio>
 #include <random>
 
-#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/base_fixture.h"
 #include "tests/end_to_end/support/channel.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/publisher.h"
 #include "tests/end_to_end/support/sample_release.h"
+#include "tests/support/report_fields.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::end_to_end {
@@ -19,10 +18,11 @@ namespace {
 namespace fs = std::filesystem;
 using testing::AllOf;
 using testing::HasSubstr;
-using testing::StartsWith;
+using update::testing::ReportFields;
+using update::testing::reportFields;
+using update::testing::reports;
 
-std::string withSeparators(std::uint64_t number) {
-    std::string digits = std::to_string(number);
+std::string withSeparators(std::string digits) {
     for (std::size_t position = digits.size(); position > 3;) {
         position -= 3;
         digits.insert(position, 1, ',');
@@ -69,7 +69,7 @@ TEST_F(PublisherRoundTripTest, UpdaterInstallsExactlyTheGameFolder) {
     publish();
     update();
     expectEveryFileOfTheGameFolder();
-    EXPECT_THAT(transferReport(), StartsWith("mode=incremental\r\n"));
+    EXPECT_THAT(transferReport(), reports({{"mode", "incremental"}}));
 }
 
 TEST_F(PublisherRoundTripTest, UpdaterInstallsTheCompletePackageWhenTheInventoryIsGone) {
@@ -77,15 +77,11 @@ TEST_F(PublisherRoundTripTest, UpdaterInstallsTheCompletePackageWhenTheInventory
     fs::remove(channel_ / "KVN-release-42.zip.files");
     update();
     expectEveryFileOfTheGameFolder();
-    EXPECT_EQ(transferReport(), "mode=full\r\nbytes=" + std::to_string(packageBytes()) + "\r\n");
+    EXPECT_THAT(transferReport(), reports({{"mode", "full"}, {"bytes", std::to_string(packageBytes())}}));
 }
 
 TEST_F(PublisherRoundTripTest, StoredFilesOfAPackageAreInstalled) {
-    std::string packed;
-    for (std::uint32_t value = 1; packed.size() < 300'000;) {
-        value = value * 1664525 + 1013904223;
-        packed.push_back(static_cast<char>(value >> 24));
-    }
+    const std::string packed = noise(300'000, 1);
     writeFile(game_ / "data/packed.pak", packed);
     publish();
     EXPECT_GT(packageBytes(), packed.size());
@@ -107,18 +103,12 @@ TEST_F(PublisherRoundTripTest, PlanTellsWhatTheUpdaterThenDoes) {
     publish();
     const std::string planned = plan();
     update();
-    std::size_t reused = 0;
-    std::size_t downloaded = 0;
-    std::uint64_t bytes = 0;
-    const std::string report = transferReport();
-    ASSERT_EQ(std::sscanf(report.c_str(), "mode=incremental\r\nreused=%zu\r\ndownloaded=%zu\r\nbytes=%" SCNu64, &reused,
-                          &downloaded, &bytes),
-              3)
-        << report;
-    EXPECT_THAT(planned, AllOf(HasSubstr("reused:           " + std::to_string(reused) + " file"),
-                               HasSubstr("fetched:          " + std::to_string(downloaded) + " file"),
+    const ReportFields report = reportFields(transferReport());
+    EXPECT_EQ(report.at("mode"), "incremental");
+    EXPECT_THAT(planned, AllOf(HasSubstr("reused:           " + report.at("reused") + " file"),
+                               HasSubstr("fetched:          " + report.at("downloaded") + " file"),
                                HasSubstr("The update is incremental")));
-    EXPECT_THAT(planned, testing::ContainsRegex("fetched: .*[ (]" + withSeparators(bytes) + " bytes"));
+    EXPECT_THAT(planned, testing::ContainsRegex("fetched: .*[ (]" + withSeparators(report.at("bytes")) + " bytes"));
 }
 
 /// A game that changes randomly from release to release.
@@ -135,7 +125,7 @@ public:
     /// Replaces a file by a folder.
     ///
     /// @return the file's path
-    std::string makeAFolderOfAFile() {
+    std::string writeAFileThatBecomesAFolder() {
         const std::string path =
             "drawn/" + names_[static_cast<std::size_t>(draw(0, static_cast<int>(names_.size()) - 1))];
         writeFile(folder_ / path, "a file for one release");
@@ -178,7 +168,7 @@ TEST_F(PublisherRoundTripTest, DrawnReleasesAreInstalledOneAfterTheOtherWithSome
         publish(release);
         if (release % 5 == 0) {
             // A file becomes a folder, which players could not install.
-            const std::string path = drawn.makeAFolderOfAFile();
+            const std::string path = drawn.writeAFileThatBecomesAFolder();
             publish(++release);
             fs::remove(game_ / path);
             writeFile(game_ / path / "inside", "x");
@@ -229,7 +219,7 @@ TEST_P(PublisherDecisionTest, PlanAndUpdaterDecideAlike) {
     const bool incremental = GetParam() < 0;
     EXPECT_THAT(plan(), HasSubstr(incremental ? "The update is incremental" : "The update takes the complete package"));
     update();
-    EXPECT_THAT(transferReport(), StartsWith(incremental ? "mode=incremental" : "mode=full"));
+    EXPECT_THAT(transferReport(), reports({{"mode", incremental ? "incremental" : "full"}}));
     expectEveryFileOfTheGameFolder();
 }
 

@@ -4,8 +4,9 @@
 
 #include "tests/end_to_end/support/channel.h"
 #include "tests/end_to_end/support/files.h"
+#include "tests/end_to_end/support/publisher_fixture.h"
 #include "tests/end_to_end/support/publisher_server.h"
-#include "tests/end_to_end/support/publisher_test.h"
+#include "tests/end_to_end/support/release_texts.h"
 
 namespace vorthmere::end_to_end {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/base_fixture.h"
 #include "tests/end_to_end/support/channel.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/publisher.h"

@@ -3,13 +3,12 @@
 #include <gmock/gmock.h>
 #include <sys/inotify.h>
 
-#include <thread>
-
 #include "tests/end_to_end/support/child_process.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/folder_watch.h"
-#include "tests/end_to_end/support/publisher_test.h"
+#include "tests/end_to_end/support/publisher_fixture.h"
 #include "tests/end_to_end/support/tree_snapshot.h"
+#include "tests/end_to_end/support/waiting.h"
 
 namespace vorthmere::end_to_end {
 namespace {
@@ -55,9 +54,8 @@ protected:
         }
         tool.killGroup();
         const bool killed = tool.wait(kLongestRun).exitCode == -1;
-        // Wine's server closes the files of a process shortly after its end.
-        while (fs::exists(channel_ / ".kvn-release-lock"))
-            std::this_thread::sleep_for(Milliseconds(10));
+        // Wine's server closes the files of a process a moment after its end.
+        EXPECT_TRUE(waitUntil([this] { return !fs::exists(channel_ / ".kvn-release-lock"); }));
         return killed;
     }
 };

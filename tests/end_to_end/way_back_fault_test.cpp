@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "tests/end_to_end/support/files.h"
-#include "tests/end_to_end/support/installation_fault_test.h"
+#include "tests/end_to_end/support/installation_fault_fixture.h"
 
 namespace vorthmere::end_to_end {
 namespace {

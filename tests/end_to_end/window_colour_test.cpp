@@ -4,7 +4,7 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "tests/end_to_end/support/window_test.h"
+#include "tests/end_to_end/support/window_fixture.h"
 
 namespace vorthmere::end_to_end {
 namespace {

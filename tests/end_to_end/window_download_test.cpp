@@ -1,11 +1,10 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <random>
 
 #include "tests/end_to_end/support/channel.h"
 #include "tests/end_to_end/support/sample_release.h"
-#include "tests/end_to_end/support/window_test.h"
+#include "tests/end_to_end/support/window_fixture.h"
 
 namespace vorthmere::end_to_end {
 namespace {
@@ -17,15 +16,6 @@ constexpr long kMostSteps = 200;
 constexpr long kMedianLimit = 100'000;     // microseconds
 constexpr long kSlowestLimit = 2'500'000;  // microseconds; at 5 s the system calls a window unresponsive
 
-// The content must not shrink so much in the package that the updater fetches the package instead.
-std::string contentThatDoesNotShrink() {
-    std::minstd_rand random(1);
-    std::string content(kLargeFile, '\0');
-    for (char& c : content)
-        c = static_cast<char>(random() >> 16);
-    return content;
-}
-
 constexpr std::string_view kDownloading = "Downloading changed files";
 
 bool downloads(const WindowContent& content) {
@@ -36,7 +26,8 @@ class WindowDownloadTest : public WindowTest {};
 
 TEST_F(WindowDownloadTest, WindowAnswersWhileALargeDownloadReportsItsProgress) {
     ReleaseFiles files = sampleRelease42();
-    files["data/large.pak"] = {contentThatDoesNotShrink()};
+    // It must not shrink so much in the package that the updater fetches the package instead.
+    files["data/large.pak"] = {noise(kLargeFile, 1)};
     files = withReleaseMetadata(std::move(files), 42);
     scenario.release = publish(scenario.release.folder, files, 42);
     scenario.managedPaths.insert("data/large.pak");

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/end_to_end/support/sample_release.h"
-#include "tests/end_to_end/support/window_test.h"
+#include "tests/end_to_end/support/window_fixture.h"
 
 namespace vorthmere::end_to_end {
 namespace {

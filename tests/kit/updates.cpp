@@ -57,11 +57,23 @@ BOOL CALLBACK lookAtWindow(HWND window, LPARAM parameter) {
     return FALSE;
 }
 
-/// Waits for the progress window of a run; null when the run ends first.
+/// Waits for something to happen during a run.
+///
+/// @return false when the run ends first, or when it has not happened after kRunLimitMs
+bool happensDuring(const Program& updater, const std::function<bool()>& hasHappened) {
+    const ULONGLONG limit = GetTickCount64() + kRunLimitMs;
+    while (!hasHappened())
+        if (updater.hasEnded(5) || GetTickCount64() > limit) return false;
+    return true;
+}
+
+/// Waits for the progress window of a run; null when none comes.
 HWND windowOf(const Program& updater) {
     WindowSearch search{updater.id(), nullptr};
-    while (!search.found && !updater.hasEnded(5))
+    static_cast<void>(happensDuring(updater, [&search] {
         EnumWindows(lookAtWindow, reinterpret_cast<LPARAM>(&search));
+        return search.found != nullptr;
+    }));
     return search.found;
 }
 
@@ -80,8 +92,10 @@ std::string failureStaysInItsWindow() {
     const Program updater = game.startUpdater(Way::incremental, L"--no-relaunch");
     const HWND window = windowOf(updater);
     require(window != nullptr, "no window came");
-    while (!FindWindowExW(window, nullptr, L"Static", L"Update could not be completed."))
-        require(!updater.hasEnded(5), "the window went away with its sentence");
+    const auto sentence = [window] {
+        return FindWindowExW(window, nullptr, L"Static", L"Update could not be completed.") != nullptr;
+    };
+    require(happensDuring(updater, sentence), "the window did not show the failure");
     PostMessageW(window, WM_CLOSE, 0, 0);
     require(updater.waitForEnd(kRunLimitMs) == 11, "the updater did not end with 11");
     game.requireRelease(41);
@@ -95,6 +109,7 @@ std::string waitsForTheGame() {
     const Program updater =
         game.startUpdater(Way::incremental, L"--no-relaunch --test-no-ui --parent " + std::to_wstring(running.id()));
     require(testing::waitForFile(game.work / L"transfer.txt"), "nothing was staged");
+    // That nothing happens cannot be waited for: this is long enough for an updater that does not wait to end.
     require(!updater.hasEnded(500), "the updater did not wait for the game");
     game.requireRelease(41);
     end.set();

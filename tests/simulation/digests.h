@@ -1,21 +1,16 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "tests/simulation/windows_numbers.h"
+#include "tests/support/sha256.h"
 
 namespace vorthmere::update::simulation {
 
-using DigestValue = std::array<std::uint8_t, 32>;
-
-[[nodiscard]] DigestValue sha256Of(std::string_view bytes);
-/// 64 lower-case hexadecimal digits.
-[[nodiscard]] std::string sha256TextOf(std::string_view bytes);
+using testing::sha256TextOf;
+using DigestValue = testing::Sha256::Value;
 
 /// The system's SHA-256. A digest's state lies in the memory that the caller gave, and closing the digest writes there.
 /// So a sanitizer sees memory that was freed too early.

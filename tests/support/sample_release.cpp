@@ -1,14 +1,12 @@
 #include "tests/support/sample_release.h"
 
 #include <windows.h>
-// windows.h has to come first.
-#include <bcrypt.h>
 
-#include <array>
 #include <stdexcept>
 
 #include "tests/support/child_process.h"
 #include "tests/support/sample_metadata.h"
+#include "tests/support/sha256.h"
 #include "tests/support/temporary_folder.h"
 
 namespace vorthmere::update::testing {
@@ -27,23 +25,6 @@ std::wstring inQuotes(const fs::path& path) {
 }
 
 }  // namespace
-
-std::string sha256Of(std::string_view bytes) {
-    std::array<UCHAR, 32> digest{};
-    std::string content(bytes);
-    BCRYPT_ALG_HANDLE provider = nullptr;
-    const bool hashed = BCRYPT_SUCCESS(BCryptOpenAlgorithmProvider(&provider, BCRYPT_SHA256_ALGORITHM, nullptr, 0)) &&
-                        BCRYPT_SUCCESS(BCryptHash(provider, nullptr, 0, reinterpret_cast<PUCHAR>(content.data()),
-                                                  static_cast<ULONG>(content.size()), digest.data(),
-                                                  static_cast<ULONG>(digest.size()))) &&
-                        BCRYPT_SUCCESS(BCryptCloseAlgorithmProvider(provider, 0));
-    if (!hashed) throw std::runtime_error("no SHA-256");
-    std::string text;
-    for (const UCHAR byte : digest)
-        for (const int nibble : {byte >> 4, byte & 15})
-            text.push_back("0123456789abcdef"[nibble]);
-    return text;
-}
 
 FileTree withManagedFileList(FileTree files) {
     files["KVN_MANAGED_FILES.txt"] = "";
@@ -66,7 +47,7 @@ FileTree sampleReleaseFiles(unsigned release) {
 std::vector<InventoryEntry> entriesOf(const FileTree& files) {
     std::vector<InventoryEntry> entries;
     for (const auto& [path, content] : files)
-        entries.push_back({path, sha256Of(content), content.size()});
+        entries.push_back({path, sha256TextOf(content), content.size()});
     return entries;
 }
 
@@ -107,7 +88,7 @@ LocalRelease::LocalRelease(const fs::path& folder, const FileTree& releaseFiles,
 void LocalRelease::describePackage() {
     const std::string package = readFile(packageFile);
     manifest.size = package.size();
-    manifest.sha256 = sha256Of(package);
+    manifest.sha256 = sha256TextOf(package);
     writeManifest();
 }
 
@@ -120,7 +101,7 @@ void LocalRelease::writeInventory() const {
 }
 
 fs::path LocalRelease::objectOf(std::string_view content) const {
-    return objectDirectory / ("KVN-file-" + sha256Of(content) + ".bin");
+    return objectDirectory / ("KVN-file-" + sha256TextOf(content) + ".bin");
 }
 
 void LocalRelease::offerPackage(Arguments& arguments) const {

@@ -12,9 +12,6 @@
 
 namespace vorthmere::update::testing {
 
-/// SHA-256 of a text, as 64 lower-case hexadecimal digits.
-[[nodiscard]] std::string sha256Of(std::string_view bytes);
-
 /// Adds the managed-file list that names every file of a release, itself included.
 [[nodiscard]] FileTree withManagedFileList(FileTree files);
 

@@ -2,7 +2,7 @@
 
 #include "tests/support/temporary_folder.h"
 #include "tests/support/watched_memory.h"
-#include "tests/traces/trace_test.h"
+#include "tests/traces/trace_fixture.h"
 #include "transfer/file_digest.h"
 
 namespace vorthmere::update::traces {

@@ -6,7 +6,7 @@
 #include "platform/failure.h"
 #include "platform/streams.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/traces/trace_test.h"
+#include "tests/traces/trace_fixture.h"
 
 namespace vorthmere::update::traces {
 namespace {

@@ -1,7 +1,7 @@
 #include <cstring>
 
 #include "tests/support/temporary_folder.h"
-#include "tests/traces/trace_test.h"
+#include "tests/traces/trace_fixture.h"
 #include "transfer/downloads.h"
 
 namespace vorthmere::update::traces {

@@ -1,7 +1,7 @@
 #include <optional>
 
 #include "platform/programs.h"
-#include "tests/traces/trace_test.h"
+#include "tests/traces/trace_fixture.h"
 
 namespace vorthmere::update::traces {
 namespace {

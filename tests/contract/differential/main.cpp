@@ -14,6 +14,7 @@
 
 #include "tests/contract/differential/differences.h"
 #include "tests/contract/differential/sides.h"
+#include "update/ascii.h"
 
 namespace vorthmere::update::contract {
 namespace {
@@ -38,12 +39,6 @@ struct Result {
     std::size_t steps = 0;    ///< taken
     bool differsInSpelling = false;
 };
-
-std::string lowerCase(std::string text) {
-    for (char& c : text)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return text;
-}
 
 class Run {
 public:
@@ -133,7 +128,7 @@ private:
                 Result& result) const {
         if (leftError != rightError) return false;
         if (left == right) return true;
-        if (world_->isWindowsToTheLetter() || lowerCase(left) != lowerCase(right)) return false;
+        if (world_->isWindowsToTheLetter() || toAsciiLower(left) != toAsciiLower(right)) return false;
         result.differsInSpelling = true;
         return true;
     }

@@ -6,6 +6,7 @@
 #include "platform/entries.h"
 #include "platform/streams.h"
 #include "tests/contract/differential/sides.h"
+#include "update/ascii.h"
 
 namespace vorthmere::update::contract {
 namespace {
@@ -49,12 +50,6 @@ std::vector<std::string> sortedNames(const std::filesystem::path& folder, std::e
         names.push_back(nameOf(entry));
     std::sort(names.begin(), names.end());
     return names;
-}
-
-std::string lowerCase(std::string text) {
-    for (char& c : text)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return text;
 }
 
 }  // namespace
@@ -149,7 +144,7 @@ void RealSide::listInto(std::string& tree, const std::string& prefix) {
     std::vector<FolderEntry> entries = listFolder(at(prefix), failure);
     if (failure) throw std::runtime_error("cannot list " + prefix);
     std::sort(entries.begin(), entries.end(), [](const FolderEntry& a, const FolderEntry& b) {
-        return lowerCase(a.name.string()) < lowerCase(b.name.string());
+        return toAsciiLower(a.name.string()) < toAsciiLower(b.name.string());
     });
     for (const FolderEntry& entry : entries) {
         const std::string path = prefix + entry.name.string();

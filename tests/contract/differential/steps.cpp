@@ -3,6 +3,8 @@
 #include <array>
 #include <utility>
 
+#include "tests/support/split_mix.h"
+
 namespace vorthmere::update::contract {
 namespace {
 
@@ -42,6 +44,19 @@ constexpr std::size_t kOddsOfOtherCase = 12;
 constexpr std::size_t kOddsOfOddPath = 30;
 constexpr std::size_t kOddsOfLeavingOut = 5;
 
+class Random {
+public:
+    explicit Random(std::uint64_t seed) : numbers_(seed) {}
+
+    /// @return a number below `count`
+    std::size_t below(std::size_t count) {
+        return static_cast<std::size_t>(numbers_.next() % count);
+    }
+
+private:
+    testing::SplitMix numbers_;
+};
+
 /// Draws a path, often the sequence's favourite, so that steps affect each other. Sometimes changes a letter's case.
 std::string drawPath(Random& random, std::string_view favourite) {
     std::string path(favourite);
@@ -78,14 +93,6 @@ Step drawStep(Random& random, const Habits& habits) {
 }
 
 }  // namespace
-
-std::size_t Random::below(std::size_t count) {
-    state_ += 0x9E3779B97F4A7C15;
-    std::uint64_t mixed = state_;
-    mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9;
-    mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EB;
-    return static_cast<std::size_t>((mixed ^ (mixed >> 31)) % count);
-}
 
 std::vector<Step> drawSteps(std::uint64_t seed) {
     Random random(seed);

@@ -48,17 +48,6 @@ struct Answer {
     friend bool operator==(const Answer&, const Answer&) = default;
 };
 
-/// Random numbers that are the same on every machine.
-class Random {
-public:
-    explicit Random(std::uint64_t seed) : state_(seed) {}
-    /// @return a number below `count`
-    std::size_t below(std::size_t count);
-
-private:
-    std::uint64_t state_;
-};
-
 /// Draws the steps of one sequence. It may lack some kinds of steps altogether.
 [[nodiscard]] std::vector<Step> drawSteps(std::uint64_t seed);
 

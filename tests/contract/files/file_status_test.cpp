@@ -1,5 +1,7 @@
-// fileType, fileTypeOrThrow, entryType and fileSize.
+// fileType, fileTypeOrThrow, fileTypeBelowOrThrow, entryType and fileSize.
 #include "files/file_status.h"
+
+#include <functional>
 
 #include "tests/contract/calls.h"
 
@@ -52,18 +54,48 @@ TEST_F(ContractTest, ALinkToNothingLeadsToNothing) {
     EXPECT_FALSE(failure);
 }
 
+/// Expects the call to throw a file system error of a path, with the operation "status" in its text.
+void expectThrown(const std::function<FileType()>& call, const std::filesystem::path& path, int error) {
+    try {
+        static_cast<void>(call());
+        ADD_FAILURE() << "nothing thrown";
+    } catch (const std::filesystem::filesystem_error& thrown) {
+        EXPECT_NE(std::string(thrown.what()).find("status"), std::string::npos) << thrown.what();
+        EXPECT_EQ(thrown.path1(), path);
+        EXPECT_EQ(thrown.code().value(), error);
+    }
+}
+
 TEST_F(ContractTest, AHardErrorIsToldAndThrownWithTheOperationsName) {
     scene.make("l->l");
     EXPECT_EQ(fileType(scene.at("l"), failure), FileType::other);
     EXPECT_EQ(failure.value(), 1921);
-    try {
-        static_cast<void>(fileTypeOrThrow(scene.at("l"), "status"));
-        FAIL() << "nothing thrown";
-    } catch (const std::filesystem::filesystem_error& thrown) {
-        EXPECT_NE(std::string(thrown.what()).find("status"), std::string::npos) << thrown.what();
-        EXPECT_EQ(thrown.path1(), scene.at("l"));
-        EXPECT_EQ(thrown.code().value(), 1921);
-    }
+    expectThrown([this] { return fileTypeOrThrow(scene.at("l"), "status"); }, scene.at("l"), 1921);
+}
+
+TEST_F(ContractTest, BelowAFolderThatIsThereAMissingFileIsNoError) {
+    scene.make("d/ d/a d/e/");
+    const auto typeBelow = [this](std::string_view path) {
+        return fileTypeBelowOrThrow(scene.at("d"), path, "status");
+    };
+    EXPECT_EQ(typeBelow("a"), FileType::regular);
+    EXPECT_EQ(typeBelow("e"), FileType::directory);
+    EXPECT_EQ(typeBelow("missing"), FileType::notFound);
+    EXPECT_EQ(typeBelow("missing/file"), FileType::notFound);
+    EXPECT_EQ(typeBelow("a/below"), FileType::notFound);
+}
+
+TEST_F(ContractTest, BelowAMissingFolderTheErrorIsTheFolders) {
+    const auto typeBelow = [this](std::string_view folder) {
+        return [this, folder] { return fileTypeBelowOrThrow(scene.at(folder), "a", "status"); };
+    };
+    expectThrown(typeBelow("missing"), scene.at("missing"), 2);
+    expectThrown(typeBelow("missing/folder"), scene.at("missing/folder"), 3);
+}
+
+TEST_F(ContractTest, BelowAFolderAHardErrorIsTheFiles) {
+    scene.make("d/ d/l->d/l");
+    expectThrown([this] { return fileTypeBelowOrThrow(scene.at("d"), "l", "status"); }, scene.at("d/l"), 1921);
 }
 
 TEST_F(ContractTest, OnlyFilesHaveASize) {

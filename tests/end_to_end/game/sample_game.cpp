@@ -6,15 +6,13 @@
 #include <string>
 #include <string_view>
 
+#include "tests/support/own_process.h"
 #include "update_start.h"
 
 namespace {
 
-std::wstring currentFolder() {
-    std::wstring folder(GetCurrentDirectoryW(0, nullptr), L'\0');
-    folder.resize(GetCurrentDirectoryW(static_cast<DWORD>(folder.size()), folder.data()));
-    return folder;
-}
+using vorthmere::update::testing::currentFolder;
+using vorthmere::update::testing::toUtf8;
 
 /// Counts the pipes among this process's handles. It opens none itself, so they were inherited.
 int countPipes() {
@@ -26,12 +24,7 @@ int countPipes() {
 }
 
 void writeLine(FILE* file, const char* key, const std::wstring& value) {
-    std::string narrow(static_cast<std::size_t>(WideCharToMultiByte(
-                           CP_UTF8, 0, value.c_str(), static_cast<int>(value.size()), nullptr, 0, nullptr, nullptr)),
-                       '\0');
-    WideCharToMultiByte(CP_UTF8, 0, value.c_str(), static_cast<int>(value.size()), narrow.data(),
-                        static_cast<int>(narrow.size()), nullptr, nullptr);
-    std::fprintf(file, "%s=%s\n", key, narrow.c_str());
+    std::fprintf(file, "%s=%s\n", key, toUtf8(value).c_str());
 }
 
 }  // namespace

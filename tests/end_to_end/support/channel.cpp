@@ -7,7 +7,6 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "tests/end_to_end/support/digest.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/programs.h"
 #include "update/release_channel.h"
@@ -56,10 +55,6 @@ std::string channelPath(const std::string& name) {
 
 std::string channelUrl(const std::string& name) {
     return std::string(update::kDownloadBaseUrl) + name;
-}
-
-std::string objectName(const std::string& content) {
-    return std::string(update::kObjectNamePrefix) + sha256(content) + std::string(update::kObjectNameSuffix);
 }
 
 ChannelRequest requestFor(const std::string& name) {

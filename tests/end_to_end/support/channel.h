@@ -19,9 +19,6 @@ namespace vorthmere::end_to_end {
 [[nodiscard]] std::string channelPath(const std::string& name);
 [[nodiscard]] std::string channelUrl(const std::string& name);
 
-/// The name of the update object with this content.
-[[nodiscard]] std::string objectName(const std::string& content);
-
 /// One request as a server saw it.
 struct ChannelRequest {
     std::string method;

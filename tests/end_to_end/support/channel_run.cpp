@@ -2,12 +2,13 @@
 
 #include <utility>
 
-#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/base_fixture.h"
 #include "tests/end_to_end/support/channel.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/programs.h"
 #include "tests/end_to_end/support/run_outcome.h"
 #include "tests/end_to_end/support/sample_release.h"
+#include "tests/support/report_fields.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::end_to_end {
@@ -62,7 +63,7 @@ void ChannelRun::expectUntouched() const {
 void ChannelRun::expectUpdated() const {
     EXPECT_EQ(scenario.differencesFrom(scenario.offered), "");
     EXPECT_THAT(readFile(scenario.workFolder / "transfer.txt"),
-                testing::StartsWith("mode=" + expectation_.transferMode + "\r\n"));
+                update::testing::reports({{"mode", expectation_.transferMode}}));
 }
 
 }  // namespace vorthmere::end_to_end

@@ -11,7 +11,6 @@ inline constexpr const char* kReadFailed = "Unable to read the HTTPS update resp
 inline constexpr const char* kEndedUnexpectedly =
     "The HTTPS update download ended unexpectedly \\(Windows error [0-9]+\\)";
 inline constexpr const char* kNotStored = "Unable to store the downloaded update.";
-inline constexpr const char* kNotFinished = "Unable to finish the temporary update archive.";
 inline constexpr const char* kNotCreated = "Unable to create the temporary update archive.";
 inline constexpr const char* kWrongLength = "The HTTPS update download did not match its advertised size.";
 inline constexpr const char* kPackageSizeWrong = "The update archive size does not match the release manifest.";

@@ -2,14 +2,13 @@
 
 #include <filesystem>
 #include <string>
-#include <string_view>
+
+#include "tests/support/temporary_folder.h"
 
 namespace vorthmere::end_to_end {
 
-/// Read and write whole files; writing makes missing parent folders. Both throw when the file system refuses.
-
-[[nodiscard]] std::string readFile(const std::filesystem::path& file);
-void writeFile(const std::filesystem::path& file, std::string_view content);
+using update::testing::readFile;
+using update::testing::writeFile;
 
 /// The read-only attribute that Windows programs see under Wine.
 void setReadOnly(const std::filesystem::path& file, bool readOnly = true);

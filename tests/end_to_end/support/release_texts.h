@@ -32,6 +32,9 @@ struct ManifestText {
 /// The paths in the order of that list.
 [[nodiscard]] std::vector<std::string> managedFileOrder(const ReleaseFiles& files);
 
+/// The name of the update object with this content.
+[[nodiscard]] std::string objectName(const std::string& content);
+
 [[nodiscard]] std::string renderReleaseMarker(const ManifestText& manifest);
 
 }  // namespace vorthmere::end_to_end

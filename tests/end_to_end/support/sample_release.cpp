@@ -8,15 +8,6 @@
 namespace vorthmere::end_to_end {
 namespace {
 
-/// Bytes that do not compress, the same in every run.
-std::string noise(std::size_t count, unsigned seed) {
-    std::minstd_rand random(seed);
-    std::string bytes(count, '\0');
-    for (char& c : bytes)
-        c = static_cast<char>(random() >> 16);
-    return bytes;
-}
-
 ReleaseFiles filesThatStay() {
     ReleaseFiles files;
     files["KVNUpdater.exe"] = {readFile(updaterProgram())};
@@ -71,6 +62,14 @@ ReleaseFiles makeRelease42() {
 }
 
 }  // namespace
+
+std::string noise(std::size_t count, unsigned seed) {
+    std::minstd_rand random(seed);
+    std::string bytes(count, '\0');
+    for (char& c : bytes)
+        c = static_cast<char>(random() >> 16);
+    return bytes;
+}
 
 const ReleaseFiles& sampleRelease41() {
     static const ReleaseFiles files = makeRelease41();

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <string>
+
 #include "tests/end_to_end/support/release_files.h"
 
 namespace vorthmere::end_to_end {
@@ -9,6 +12,9 @@ namespace vorthmere::end_to_end {
 /// files among each of them. The game is a real program that reports its start, and the updater is the real one.
 [[nodiscard]] const ReleaseFiles& sampleRelease41();
 [[nodiscard]] const ReleaseFiles& sampleRelease42();
+
+/// Bytes that do not compress, the same in every run.
+[[nodiscard]] std::string noise(std::size_t count, unsigned seed);
 
 /// What a player has in and around the game's folders: no release lists any of it.
 [[nodiscard]] const ReleaseFiles& playersFiles();

@@ -4,7 +4,6 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "tests/end_to_end/support/digest.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/publisher.h"
 #include "tests/support/temporary_folder.h"
@@ -59,9 +58,7 @@ fs::path packagePath(const fs::path& channelFolder, std::uint32_t release) {
 PublishedRelease publishPackage(const fs::path& channelFolder, const ReleaseFiles& files, std::uint32_t release) {
     PublishedRelease published = aroundPackage(channelFolder, release);
     for (const auto& [path, file] : files)
-        writeFile(channelFolder / (std::string(update::kObjectNamePrefix) + sha256(file.content) +
-                                   std::string(update::kObjectNameSuffix)),
-                  file.content);
+        writeFile(channelFolder / objectName(file.content), file.content);
     writeFile(published.inventory, renderInventory(published.manifestText, files));
     writeFile(published.manifest, renderManifest(published.manifestText));
     return published;

@@ -64,7 +64,7 @@ private:
     bool count(Visit& visit, const Amount& amount);
     bool isNew(const Exploration& exploration, Tape tape);
     void visit(Visit& visit, Tape& tape);
-    void report(const Finding& finding, std::size_t mustMeet, const Choices& choices);
+    void report(const Finding& finding, std::size_t exploration, const Choices& choices);
     std::optional<Finding> run(const Choices& choices);
 
     Examination examination_;

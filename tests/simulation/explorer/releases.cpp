@@ -5,26 +5,26 @@
 
 #include "tests/simulation/digests.h"
 #include "tests/simulation/explorer/tree.h"
+#include "tests/support/sample_metadata.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::update::simulation {
 namespace {
 
-constexpr std::string_view kVersion = "0.9.3 alpha";
-
-std::string manifestOf(std::uint32_t release, const std::string& package) {
-    return "KVN-UPDATE/1\nrelease=" + std::to_string(release) + "\nversion=" + std::string(kVersion) +
-           "\nprotocol=1\nmandatory=0\nsize=" + std::to_string(package.size()) + "\nsha256=" + sha256TextOf(package) +
-           "\nurl=" + std::string(kDownloadBaseUrl) + "KVN-release-" + std::to_string(release) +
-           ".zip\nnotes=Balance changes.\n";
+Manifest manifestOf(std::uint32_t release, const std::string& package) {
+    Manifest manifest = testing::sampleManifest();
+    manifest.release = release;
+    manifest.size = package.size();
+    manifest.url = channelAddress("KVN-release-" + std::to_string(release) + ".zip");
+    manifest.sha256 = sha256TextOf(package);
+    return manifest;
 }
 
-std::string inventoryOf(const Release& release, const std::string& package) {
-    std::string text = "KVN-FILES/1\narchive=" + sha256TextOf(package) + "\nrelease=" + std::to_string(release.number) +
-                       "\nprotocol=1\nversion=" + std::string(kVersion) + "\n";
+std::vector<InventoryEntry> entriesOf(const Release& release) {
+    std::vector<InventoryEntry> entries;
     for (const ReleaseFile& file : release.files)
-        text += file.path + "\t" + std::to_string(file.content.size()) + "\t" + sha256TextOf(file.content) + "\n";
-    return text;
+        entries.push_back({file.path, sha256TextOf(file.content), file.content.size()});
+    return entries;
 }
 
 bool isRequired(std::string_view path) {
@@ -72,8 +72,9 @@ Offer offerOf(const Release& release, const std::vector<ReleaseFile>& unlisted) 
     for (const ReleaseFile& file : unlisted)
         entries.push_back({.name = file.path, .content = file.content, .isReadOnly = file.isReadOnly});
     offer.package = packageOf(entries);
-    offer.manifest = manifestOf(release.number, offer.package);
-    offer.inventory = inventoryOf(release, offer.package);
+    const Manifest manifest = manifestOf(release.number, offer.package);
+    offer.manifest = testing::joinLines(testing::manifestLines(manifest));
+    offer.inventory = testing::joinLines(testing::inventoryLines(manifest, entriesOf(release)));
     std::set<std::string> names;
     for (const ReleaseFile& file : release.files) {
         std::string name = objectName(sha256TextOf(file.content));

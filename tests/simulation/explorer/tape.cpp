@@ -27,21 +27,13 @@ std::optional<Choices> choicesOf(std::string_view text) {
     return choices;
 }
 
-// SplitMix64: the same numbers with every compiler and library.
-std::uint64_t Tape::draw() {
-    std::uint64_t mixed = state_ += 0x9E3779B97F4A7C15;
-    mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9;
-    mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EB;
-    return mixed ^ (mixed >> 31);
-}
-
 std::size_t Tape::upTo(std::size_t most) {
     const std::size_t position = taken_.size();
     std::uint64_t choice = 0;
     if (position < given_.size())
         choice = std::min<std::uint64_t>(given_[position], most);
     else if (draws_)
-        choice = draw() % (std::uint64_t{most} + 1);
+        choice = numbers_.next() % (std::uint64_t{most} + 1);
     taken_.push_back(static_cast<std::uint32_t>(choice));
     limits_.push_back(static_cast<std::uint32_t>(most));
     return static_cast<std::size_t>(choice);

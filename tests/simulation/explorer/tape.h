@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/split_mix.h"
+
 namespace vorthmere::update::simulation {
 
 /// A record of choices: "2.0.143.1" repeats exactly what was done with it.
@@ -29,7 +31,7 @@ public:
     explicit Tape(Choices given = {}) : given_(std::move(given)) {}
 
     /// Takes `given` first, then draws.
-    Tape(Choices given, std::uint64_t seed) : given_(std::move(given)), state_(seed), draws_(true) {}
+    Tape(Choices given, std::uint64_t seed) : given_(std::move(given)), numbers_(seed), draws_(true) {}
 
     /// A number from 0 to `most`.
     std::size_t upTo(std::size_t most);
@@ -55,12 +57,10 @@ public:
     [[nodiscard]] std::optional<Choices> next(std::size_t fixed = 0) const;
 
 private:
-    std::uint64_t draw();
-
     Choices given_;
     Choices taken_;
     Choices limits_;
-    std::uint64_t state_ = 0;
+    testing::SplitMix numbers_{0};
     bool draws_ = false;
 };
 

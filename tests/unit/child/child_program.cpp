@@ -8,29 +8,20 @@
 #include <cstdio>
 #include <string>
 
+#include "tests/support/own_process.h"
+
 namespace {
+
+using vorthmere::update::testing::currentFolder;
+using vorthmere::update::testing::toUtf8;
 
 /// The longest that the program waits for anything, so that a failed test leaves nothing running.
 constexpr DWORD kLongestWaitMs = 200000;
-
-std::string toUtf8(const std::wstring& text) {
-    const int length = static_cast<int>(text.size());
-    const int size = WideCharToMultiByte(CP_UTF8, 0, text.c_str(), length, nullptr, 0, nullptr, nullptr);
-    std::string narrow(static_cast<std::size_t>(size), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.c_str(), length, narrow.data(), size, nullptr, nullptr);
-    return narrow;
-}
 
 std::wstring programPath() {
     std::wstring path(32768, L'\0');
     path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
     return path;
-}
-
-std::wstring currentFolder() {
-    std::wstring folder(GetCurrentDirectoryW(0, nullptr), L'\0');
-    folder.resize(GetCurrentDirectoryW(static_cast<DWORD>(folder.size()), folder.data()));
-    return folder;
 }
 
 std::wstring environmentVariable(const wchar_t* name) {
@@ -139,6 +130,8 @@ int wmain(int argc, wchar_t** argv) {
         CloseHandle(CreateFileW(argv[2], GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
         waitForEvent(argv[3]);
         return 0;
+    } else if (action == L"sleep") {
+        Sleep(kLongestWaitMs);
     } else if (action == L"wait") {
         waitForEvent(argv[2]);
     } else {

@@ -125,7 +125,7 @@ TEST_F(ArchiveToolTest, AToolThatHasClosedItsOutputButGoesOnRunningKeepsTheCallW
     std::atomic<bool> released = false;
     std::thread releaser([&] {
         const bool toolIsReady = testing::waitForFile(closed);
-        // Long enough for a call that does not wait to return.
+        // That the call does not return cannot be waited for: this is long enough for one that does not wait.
         Sleep(300);
         released = toolIsReady;
         mayEnd.set();

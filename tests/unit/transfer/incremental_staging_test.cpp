@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <string>
 
@@ -10,6 +10,7 @@
 #include "tests/support/folder_link.h"
 #include "tests/support/held_file.h"
 #include "tests/support/recorded_progress.h"
+#include "tests/support/report_fields.h"
 #include "tests/support/sample_metadata.h"
 #include "tests/support/sample_release.h"
 #include "tests/support/temporary_folder.h"
@@ -25,6 +26,7 @@ using testing::LocalRelease;
 using testing::readFile;
 using testing::readTree;
 using testing::RecordedProgress;
+using testing::reports;
 using testing::sampleReleaseFiles;
 using testing::TemporaryFolder;
 using testing::writeFile;
@@ -64,6 +66,10 @@ protected:
             writeFile(release.objectOf(content), content);
     }
 
+    std::string report() const {
+        return readFile(work / L"transfer.txt");
+    }
+
     std::uint64_t changedBytes() const {
         const FileTree installed = readTree(install, ".kvn-update");
         std::uint64_t bytes = 0;
@@ -95,8 +101,10 @@ TEST_F(IncrementalStagingTest, BuildsTheReleaseFromInstalledFilesAndObjects) {
 TEST_F(IncrementalStagingTest, TheReportCountsReusedFilesFetchedFilesAndBytes) {
     ASSERT_TRUE(stage());
     // The list and the file that is the same in every release are reused, the other four differ.
-    EXPECT_EQ(readFile(work / L"transfer.txt"),
-              "mode=incremental\r\nreused=2\r\ndownloaded=4\r\nbytes=" + std::to_string(changedBytes()) + "\r\n");
+    EXPECT_THAT(report(), reports({{"mode", "incremental"},
+                                   {"reused", "2"},
+                                   {"downloaded", "4"},
+                                   {"bytes", std::to_string(changedBytes())}}));
 }
 
 TEST_F(IncrementalStagingTest, ReportsEachFetchedFileWithItsShareOfTheBytes) {
@@ -135,7 +143,7 @@ TEST_F(IncrementalStagingTest, WithEverythingInstalledAllFilesAreReusedAndNoneFe
     std::filesystem::remove_all(release.objectDirectory);
     release.manifest.size = 1;
     ASSERT_TRUE(stage()) << error;
-    EXPECT_EQ(readFile(work / L"transfer.txt"), "mode=incremental\r\nreused=6\r\ndownloaded=0\r\nbytes=0\r\n");
+    EXPECT_THAT(report(), reports({{"reused", "6"}, {"downloaded", "0"}, {"bytes", "0"}}));
     EXPECT_EQ(readTree(staging), newFiles);
     EXPECT_EQ(progress.steps(),
               (Steps{{L"Checking installed files...", 9}, {L"Changed files verified; unchanged files reused.", 84}}));
@@ -148,7 +156,7 @@ TEST_F(IncrementalStagingTest, AChangedEmptyFileIsFetchedThoughThereIsNoByteToFe
     writeTree(install, newFiles);
     std::filesystem::remove(install / "data/empty");
     ASSERT_TRUE(stage()) << error;
-    EXPECT_EQ(readFile(work / L"transfer.txt"), "mode=incremental\r\nreused=6\r\ndownloaded=1\r\nbytes=0\r\n");
+    EXPECT_THAT(report(), reports({{"reused", "6"}, {"downloaded", "1"}, {"bytes", "0"}}));
     EXPECT_EQ(progress.steps().at(1), RecordedProgress::Step(L"Downloading changed files (1 of 1)...", 12));
 }
 
@@ -225,8 +233,7 @@ TEST_F(IncrementalStagingTest, AMissingFileAFolderAndAFileOfTheWrongSizeCountAsC
     const std::size_t bytes = newFiles.at("Vorthmere.exe").size() + newFiles.at("KVNUpdater.exe").size() +
                               newFiles.at("kvn_release.txt").size();
     ASSERT_TRUE(stage()) << error;
-    EXPECT_EQ(readFile(work / L"transfer.txt"),
-              "mode=incremental\r\nreused=3\r\ndownloaded=3\r\nbytes=" + std::to_string(bytes) + "\r\n");
+    EXPECT_THAT(report(), reports({{"reused", "3"}, {"downloaded", "3"}, {"bytes", std::to_string(bytes)}}));
     EXPECT_EQ(readTree(staging), newFiles);
 }
 
@@ -246,8 +253,7 @@ TEST_F(IncrementalStagingTest, TwoPathsWithTheSameContentFetchTheSameObjectTwice
     ASSERT_TRUE(stage()) << error;
     EXPECT_EQ(readTree(staging), newFiles);
     // Four as in every update, the list, and the same object once for each of its paths.
-    EXPECT_EQ(readFile(work / L"transfer.txt"),
-              "mode=incremental\r\nreused=1\r\ndownloaded=7\r\nbytes=" + std::to_string(changedBytes()) + "\r\n");
+    EXPECT_THAT(report(), reports({{"reused", "1"}, {"downloaded", "7"}, {"bytes", std::to_string(changedBytes())}}));
 }
 
 TEST_F(IncrementalStagingTest, AFolderThatCannotBeCreatedFails) {

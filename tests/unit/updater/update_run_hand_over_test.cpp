@@ -2,7 +2,7 @@
 // windows.h has to come first.
 #include <sddl.h>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "tests/support/child_process.h"
 #include "tests/support/held_file.h"
@@ -97,6 +97,7 @@ TEST_F(UpdateRunHandOverTest, WithoutAParentThereIsNoWaitThoughTheStepIsReported
     publishSampleRelease();
     arguments.parentProcessId = 0;
     EXPECT_EQ(run(), 0);
+    EXPECT_THAT(progress.steps(), ::testing::Contains(testing::RecordedProgress::Step(kWaiting, 88)));
     EXPECT_EQ(installedFiles(), newFiles);
 }
 

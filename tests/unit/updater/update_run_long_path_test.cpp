@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/report_fields.h"
 #include "tests/support/update_run_fixture.h"
 #include "tests/support/windows_folder.h"
 #include "tests/support/windows_limits.h"
@@ -69,7 +70,7 @@ TEST_F(LongPathTest, EveryManagedPathIsUpdatedFileByFileAndTheNextRunClearsTheWo
     for (int i = 0; i < 2; ++i) {
         EXPECT_EQ(runWithinLimits(), 0) << std::filesystem::path(error);
         EXPECT_EQ(installedFiles(), newFiles);
-        EXPECT_TRUE(testing::readTree(work).at("transfer.txt").starts_with("mode=incremental"));
+        EXPECT_THAT(testing::readTree(work).at("transfer.txt"), testing::reports({{"mode", "incremental"}}));
     }
 }
 

@@ -1,5 +1,6 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include "tests/support/report_fields.h"
 #include "tests/support/sample_metadata.h"
 #include "tests/support/update_run_fixture.h"
 #include "updater/update_run.h"
@@ -12,6 +13,7 @@ using testing::namesIn;
 using testing::readFile;
 using testing::readTree;
 using testing::RecordedProgress;
+using testing::reports;
 
 using Steps = std::vector<RecordedProgress::Step>;
 
@@ -71,8 +73,7 @@ TEST_F(UpdateRunProgressTest, AnIncrementalUpdateTakesTheseSteps) {
     expected.emplace_back(L"Changed files verified; unchanged files reused.", 84);
     EXPECT_EQ(progress.steps(), joined(expected, kHandOver));
     EXPECT_EQ(installedFiles(), newFiles);
-    EXPECT_EQ(readFile(work / L"transfer.txt"),
-              "mode=incremental\r\nreused=2\r\ndownloaded=4\r\nbytes=" + std::to_string(total) + "\r\n");
+    EXPECT_THAT(readFile(work / L"transfer.txt"), reports({{"mode", "incremental"}, {"bytes", std::to_string(total)}}));
 }
 
 TEST_F(UpdateRunProgressTest, ACompleteUpdateTakesTheseSteps) {
@@ -102,8 +103,7 @@ TEST_F(UpdateRunProgressTest, AFailedIncrementalUpdateFallsBackWithoutAWord) {
     EXPECT_EQ(progress.steps()[3].first, L"Downloading changed files (2 of 4)...");
     EXPECT_EQ(progress.steps()[4], RecordedProgress::Step(L"Preparing the complete update package...", 12));
     EXPECT_EQ(installedFiles(), newFiles);
-    EXPECT_EQ(readFile(work / L"transfer.txt"),
-              "mode=full\r\nbytes=" + std::to_string(release->manifest.size) + "\r\n");
+    EXPECT_THAT(readFile(work / L"transfer.txt"), reports({{"mode", "full"}}));
 }
 
 TEST_F(UpdateRunProgressTest, AFallbackThatFailsShowsThePackagesFaultNotTheObjects) {
@@ -119,8 +119,8 @@ TEST_F(UpdateRunProgressTest, AfterACompleteUpdateTheWorkFolderHoldsTheBackupAnd
     ASSERT_EQ(run(), 0);
     EXPECT_EQ(namesIn(work), (std::set<std::string>{"backup", "transfer.txt"}));
     EXPECT_EQ(readTree(work / L"backup"), oldFiles);
-    EXPECT_EQ(readFile(work / L"transfer.txt"),
-              "mode=full\r\nbytes=" + std::to_string(std::filesystem::file_size(release->packageFile)) + "\r\n");
+    const auto packageBytes = std::filesystem::file_size(release->packageFile);
+    EXPECT_THAT(readFile(work / L"transfer.txt"), reports({{"mode", "full"}, {"bytes", std::to_string(packageBytes)}}));
 }
 
 TEST_F(UpdateRunProgressTest, AfterAnIncrementalUpdateTheInventoryStays) {

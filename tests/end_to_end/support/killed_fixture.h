@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/base_fixture.h"
 
 namespace vorthmere::end_to_end {
 

@@ -1,4 +1,4 @@
-#include "tests/end_to_end/support/installation_fault_test.h"
+#include "tests/end_to_end/support/installation_fault_fixture.h"
 
 #include "tests/end_to_end/support/programs.h"
 

@@ -1,4 +1,4 @@
-#include "tests/end_to_end/support/window_test.h"
+#include "tests/end_to_end/support/window_fixture.h"
 
 #include "tests/end_to_end/support/files.h"
 

@@ -1,4 +1,4 @@
-#include "tests/end_to_end/support/full_disk_test.h"
+#include "tests/end_to_end/support/full_disk_fixture.h"
 
 #include "tests/end_to_end/support/programs.h"
 

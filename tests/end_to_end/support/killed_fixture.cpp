@@ -1,4 +1,4 @@
-#include "tests/end_to_end/support/killed_test.h"
+#include "tests/end_to_end/support/killed_fixture.h"
 
 #include <chrono>
 #include <csignal>

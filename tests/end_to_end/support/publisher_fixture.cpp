@@ -1,4 +1,4 @@
-#include "tests/end_to_end/support/publisher_test.h"
+#include "tests/end_to_end/support/publisher_fixture.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/base_fixture.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/base_fixture.h"
 #include "tests/end_to_end/support/call_trace.h"
 #include "tests/end_to_end/support/updater_window.h"
 #include "tests/support/temporary_folder.h"

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/base_fixture.h"
 #include "tests/end_to_end/support/small_disk.h"
 
 namespace vorthmere::end_to_end {

@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "tests/end_to_end/support/base_test.h"
+#include "tests/end_to_end/support/base_fixture.h"
 
 namespace vorthmere::end_to_end {
 
