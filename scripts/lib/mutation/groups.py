@@ -4,21 +4,35 @@ import dataclasses
 
 @dataclasses.dataclass(frozen=True)
 class Test:
-    """A test program: its target, where it lies in the build folder, and its arguments."""
+    """A test program: its target, where it lies in the build folder, its arguments, and after how long it hangs."""
 
     target: str
     program: str
     arguments: tuple = ("--gtest_fail_fast", "--gtest_brief=1")
+    seconds: int = 20
 
 
 @dataclasses.dataclass(frozen=True)
 class Group:
-    """Sources that the same tests cover, and how these are built."""
+    """Sources that the same tests cover, the quickest first, and how these are built."""
 
     sources: tuple
     tests: tuple
     preset: str
     options: tuple = ()
+
+
+# Compiling takes longer than most tests, so the code is not optimised. All groups share one build.
+PRESET = "linux-coverage"
+OPTIONS = ("-DKVN_COVERAGE=OFF", "-DCMAKE_BUILD_TYPE=None", "-DCMAKE_CXX_FLAGS=-D_GLIBCXX_ASSERTIONS")
+
+UNIT_TESTS = Test("portable_tests", "tests/unit/portable_tests")
+CONTRACT = Test("contract_tests", "tests/contract/contract_tests")
+
+
+def simulation(*amount, seconds):
+    """Updates on the simulated Windows; the first finding ends it."""
+    return Test("simulate", "simulate", ("--seed", "1", "--findings", "1", *amount), seconds)
 
 
 GROUPS = (
@@ -38,8 +52,41 @@ GROUPS = (
             "update/sha256_text.h",
             "updater/command_line.cpp",
         ),
-        tests=(Test("portable_tests", "tests/unit/portable_tests"),),
-        preset="linux-coverage",
-        options=("-DKVN_COVERAGE=OFF",),
+        tests=(UNIT_TESTS,),
+        preset=PRESET,
+        options=OPTIONS,
+    ),
+    Group(
+        sources=(
+            "files/canonical_path.cpp",
+            "files/file_changes.cpp",
+            "files/file_status.cpp",
+            "files/folder_walk.cpp",
+            "files/reparse_point.cpp",
+            "install/archive_tool.cpp",
+            "install/extracted_tree.cpp",
+            "install/install_with_backup.cpp",
+            "install/installation_check.cpp",
+            "install/relaunch.cpp",
+            "transfer/downloads.cpp",
+            "transfer/fetch_progress.cpp",
+            "transfer/file_digest.cpp",
+            "transfer/https_client.cpp",
+            "transfer/incremental_staging.cpp",
+            "transfer/transfer_report.cpp",
+            "transfer/transfer_report.h",
+            "updater/complete_package.cpp",
+            "updater/download_progress.cpp",
+            "updater/hand_over.cpp",
+            "updater/update_run.cpp",
+        ),
+        tests=(
+            simulation("--only", "0", seconds=10),
+            CONTRACT,
+            UNIT_TESTS,
+            simulation("--every", "200", "--draws", "50", seconds=60),
+        ),
+        preset=PRESET,
+        options=OPTIONS,
     ),
 )
