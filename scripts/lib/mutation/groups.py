@@ -27,6 +27,7 @@ PRESET = "linux-coverage"
 OPTIONS = ("-DKVN_COVERAGE=OFF", "-DCMAKE_BUILD_TYPE=None", "-DCMAKE_CXX_FLAGS=-D_GLIBCXX_ASSERTIONS")
 
 UNIT_TESTS = Test("portable_tests", "tests/unit/portable_tests")
+CORE_TESTS = Test("simulated_core_tests", "tests/simulation/core/simulated_core_tests")
 CONTRACT = Test("contract_tests", "tests/contract/contract_tests")
 
 
@@ -82,6 +83,7 @@ GROUPS = (
         ),
         tests=(
             simulation("--only", "0", seconds=10),
+            CORE_TESTS,
             CONTRACT,
             UNIT_TESTS,
             simulation("--every", "200", "--draws", "50", seconds=60),

@@ -280,6 +280,16 @@ bool changesTree(Intrusion::Kind kind) {
     }
 }
 
+/// True for an empty folder where a file is about to be moved aside: it takes nothing from the file, which stays or
+/// returns.
+bool isFolderInItsWay(const Outcome& outcome, const PlannedAction& planned) {
+    const auto* intrusion = std::get_if<Intrusion>(&planned.action);
+    if (intrusion->kind != Intrusion::Kind::createFolder) return false;
+    const bool isSwapping = planned.trigger.number >= outcome.firstCallOf(kLaunchingText);
+    const std::string_view folder = isSwapping ? place::kStaging : place::kBackup;
+    return isAtOrBelow(treeKeyOf(intrusion->path), treeKeyOf(folder));
+}
+
 }  // namespace
 
 std::vector<Breach> brokenInvariants(const Outcome& outcome, const DocumentedFailures& documented) {
@@ -291,6 +301,7 @@ std::vector<std::string> changedByOthers(const Outcome& outcome) {
     for (std::size_t i = 0; i < outcome.scenario.plan.size(); ++i) {
         const auto* intrusion = std::get_if<Intrusion>(&outcome.scenario.plan[i].action);
         if (intrusion == nullptr || outcome.timesMet[i] == 0 || !changesTree(intrusion->kind)) continue;
+        if (isFolderInItsWay(outcome, outcome.scenario.plan[i])) continue;
         changed.push_back(treeKeyOf(intrusion->path));
         if (intrusion->kind == Intrusion::Kind::rename) changed.push_back(treeKeyOf(intrusion->second));
     }

@@ -35,6 +35,7 @@ constexpr std::array<WayFacts, kWays> kWayFacts = {{
     {"incremental, and a folder of the game is a junction", 27},
     {"incremental, and the work folder is a junction", 13},
     {"complete package with a file that no list names", 24},
+    {"complete package, which is longer than announced", 17},
 }};
 
 constexpr std::string_view kGame = "C:/Games/Kelvane/Vorthmere.exe";
@@ -54,7 +55,7 @@ Arguments argumentsOf(Way way, std::uint32_t installed) {
     arguments.manifestFile = offer / "manifest";
     arguments.packageFile = offer / "package.zip";
     if (way == Way::complete || way == Way::linkedOffer || way == Way::damagedPackage || way == Way::talkativeTool ||
-        way == Way::unlistedFile)
+        way == Way::unlistedFile || way == Way::longPackage)
         return arguments;
     arguments.inventoryFile = offer / "inventory";
     arguments.objectDirectory = offer / "objects";
@@ -86,6 +87,10 @@ void damage(Machine& machine, const std::string& path) {
     machine.files.putFile(path, contentOf(std::move(bytes)));
 }
 
+void lengthen(Machine& machine, const std::string& path) {
+    machine.files.putFile(path, contentOf(*machine.files.find(path)->content + "x"));
+}
+
 /// The object of a file that changes.
 std::string objectOf(const Release& release, std::string_view path) {
     for (const ReleaseFile& file : release.files)
@@ -105,6 +110,8 @@ void prepare(Machine& machine, Way way, const ReleasePair& releases) {
             return damage(machine, objectOf(releases.offered, kGameExecutableName));
         case Way::damagedPackage:
             return damage(machine, std::string(place::kOffer) + "/package.zip");
+        case Way::longPackage:
+            return lengthen(machine, std::string(place::kOffer) + "/package.zip");
         case Way::talkativeTool:
             machine.processes.archiveTool.alsoPrintsBytes = kTooMuchOutput;
             return;

@@ -31,8 +31,9 @@ enum class Way : std::uint8_t {
     linkedFolder,          ///< a folder of the installation is a junction
     linkedWorkFolder,      ///< the work folder is one
     unlistedFile,          ///< the local package holds a file that its list does not name
+    longPackage,           ///< the local package is a byte longer than announced
 };
-inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::unlistedFile) + 1;
+inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::longPackage) + 1;
 
 /// The first ones, on which most goes on; each of the others differs in one step.
 inline constexpr std::size_t kMainWays = static_cast<std::size_t>(Way::relaunchFails) + 1;
