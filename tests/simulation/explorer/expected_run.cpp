@@ -63,13 +63,16 @@ private:
     void begin() {
         step(timetable::checkingChannel);
         request(channelAddress(kManifestName));
-        if (setting_.way == Way::current) {
+        if (isCurrent(setting_.way)) {
             step(timetable::alreadyCurrent);
             return relaunch();
         }
         if (setting_.way == Way::linkedWorkFolder) return;
         if (!stageIncrementally() && !stagePackage()) return;
         step(timetable::waitingForGame);
+        const bool isRunning = setting_.arguments.parentProcessId != 0 && setting_.way != Way::exitedGame;
+        if (isRunning) programs.push_back("waitForEnd " + game() + ", 120000 ms");
+        if (setting_.way == Way::lastingGame) return;
         step(timetable::installing);
         if (setting_.way == Way::linkedFolder) return;
         step(timetable::launchingGame);
@@ -77,9 +80,20 @@ private:
         if (setting_.way != Way::relaunchFails) step(timetable::done);
     }
 
+    static std::string game() {
+        return std::string(place::kInstallation) + "/" + std::string(kGameExecutableName);
+    }
+
     void relaunch() {
-        const std::string folder(place::kInstallation);
-        programs.push_back(inQuotes(folder + "/" + std::string(kGameExecutableName)) + " in " + folder);
+        if (!setting_.arguments.noRelaunch)
+            programs.push_back("startProgram " + inQuotes(game()) + ", " + std::string(place::kInstallation));
+    }
+
+    /// @param isSilenced it prints too much and is ended
+    void runTool(const std::string& arguments, bool isSilenced) {
+        const std::string tool = "C:/Windows/System32/tar.exe";
+        programs.push_back("startCaptured " + inQuotes(tool) + arguments + ", " + std::string(place::kWorkFolder));
+        programs.push_back((isSilenced ? "endProcess " + tool + ", 9" : "waitForEnd " + tool + ", 4294967295 ms"));
     }
 
     std::string packageAddress() const {
@@ -147,9 +161,7 @@ private:
     }
 
     bool stagePackage() {
-        const std::string work(place::kWorkFolder);
-        const std::string tool = inQuotes("C:/Windows/System32/tar.exe");
-        const std::string package = inQuotes(work + "/package.zip");
+        const std::string package = inQuotes(std::string(place::kWorkFolder) + "/package.zip");
         step(timetable::preparingCompletePackage);
         if (isOverHttps_)
             downloadPackage();
@@ -159,10 +171,10 @@ private:
         step(timetable::verifyingPackage);
         if (setting_.way == Way::damagedPackage) return false;
         step(timetable::inspectingPackage);
-        programs.push_back(tool + " \"-tf\" " + package + " in " + work);
+        runTool(" \"-tf\" " + package, setting_.way == Way::talkativeTool);
         if (setting_.way == Way::talkativeTool) return false;
         step(timetable::unpackingPackage);
-        programs.push_back(tool + " \"-xf\" " + package + " \"-C\" " + inQuotes(place::kStaging) + " in " + work);
+        runTool(" \"-xf\" " + package + " \"-C\" " + inQuotes(place::kStaging), false);
         report = "mode=full\r\nbytes=" + std::to_string(packageBytes_) + "\r\n";
         return setting_.way != Way::unlistedFile;
     }
@@ -192,8 +204,9 @@ Lines requestsOf(const Outcome& outcome) {
 Lines programsOf(const Outcome& outcome) {
     Lines programs;
     for (const Call& call : outcome.calls)
-        if (call.operation == Operation::startCaptured || call.operation == Operation::startProgram)
-            programs.push_back(call.subject + " in " + call.second);
+        if (call.operation == Operation::startCaptured || call.operation == Operation::startProgram ||
+            call.operation == Operation::waitForEnd || call.operation == Operation::endProcess)
+            programs.push_back(std::string(nameOf(call.operation)) + " " + call.subject + ", " + call.second);
     return programs;
 }
 
@@ -212,7 +225,6 @@ struct ExpectedCall {
 constexpr ExpectedCall kExpectedCalls[] = {
     {Operation::openSession, "KelvaneAlphaUpdater/1.0", ""},
     {Operation::setTimeouts, "", "2500 2500 3000 5000 ms"},
-    {Operation::endProcess, "", "9"},
 };
 
 class Comparison {

@@ -138,7 +138,7 @@ private:
 
     void told() {
         if (outcome_.end == Outcome::End::returned && saysNewRelease(outcome_)) {
-            if (setting_.way == Way::current) return nothingChanged(true);
+            if (isCurrent(setting_.way)) return nothingChanged(true);
             newReleaseIsWhole();
             if (outcome_.code == 0) backupIsExact();
             if (outcome_.code == 0 && outcome_.scenario.plan.empty()) workFolderIsTidy();
@@ -212,7 +212,7 @@ private:
         if (outcome_.end != Outcome::End::threw) return;
         constexpr std::string_view operations[] = {"exists", "status", "absolute"};
         if (std::none_of(std::begin(operations), std::end(operations), [this](std::string_view operation) {
-                return outcome_.exception.find(operation) != std::string::npos;
+                return outcome_.exception.find(" " + std::string(operation) + ": ") != std::string::npos;
             }))
             broken("4 documented", "", "exception " + outcome_.exception);
     }

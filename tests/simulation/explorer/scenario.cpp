@@ -36,6 +36,10 @@ constexpr std::array<WayFacts, kWays> kWayFacts = {{
     {"incremental, and the work folder is a junction", 13},
     {"complete package with a file that no list names", 24},
     {"complete package, which is longer than announced", 17},
+    {"incremental, the game having exited", 0},
+    {"incremental, and the game does not close", 26},
+    {"incremental, without a relaunch", 0},
+    {"already current, without a relaunch", 0},
 }};
 
 constexpr std::string_view kGame = "C:/Games/Kelvane/Vorthmere.exe";
@@ -50,6 +54,7 @@ Arguments argumentsOf(Way way, std::uint32_t installed) {
     Arguments arguments;
     arguments.install = std::string(place::kInstallation);
     arguments.currentRelease = installed;
+    arguments.noRelaunch = way == Way::noRelaunch || way == Way::currentNoRelaunch;
     if (!isLocal(way)) return arguments;
     const std::filesystem::path offer(place::kOffer);
     arguments.manifestFile = offer / "manifest";
@@ -166,13 +171,14 @@ SettingPointer settingOf(ReleasePair releases, Way way, Profile profile, bool ha
     else
         putChannel(machine, offer);
     if (way == Way::completeOverHttps) machine.internet.answers.erase(channelObject(machine));
-    setting->arguments = argumentsOf(way, way == Way::current ? releases.offered.number : releases.installed.number);
+    setting->arguments = argumentsOf(way, isCurrent(way) ? releases.offered.number : releases.installed.number);
     ProgramBehaviour& game = machine.processes.programs["vorthmere.exe"];
     if (hasRunningGame) {
-        game.runsForMs = kGameEndsAfterMs;
+        if (way != Way::lastingGame) game.runsForMs = kGameEndsAfterMs;
         const Error fault = machine.processes.start(machine.files, kGame, kGame, place::kInstallation, 0,
                                                     setting->arguments.parentProcessId);
         if (fault != error::none) throw std::logic_error("The game of a scenario does not start.");
+        if (way == Way::exitedGame) machine.processes.end(machine.files, setting->arguments.parentProcessId, 0);
         game.runsForMs.reset();
     }
     if (way == Way::relaunchFails) game.startError = error::notAProgram;

@@ -32,8 +32,16 @@ enum class Way : std::uint8_t {
     linkedWorkFolder,      ///< the work folder is one
     unlistedFile,          ///< the local package holds a file that its list does not name
     longPackage,           ///< the local package is a byte longer than announced
+    exitedGame,            ///< incremental, and the game that is to be waited for has exited already
+    lastingGame,           ///< incremental, and the game does not close
+    noRelaunch,            ///< incremental, and the game is left closed
+    currentNoRelaunch,     ///< nothing newer is offered, and the game is left closed
 };
-inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::longPackage) + 1;
+inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::currentNoRelaunch) + 1;
+
+[[nodiscard]] constexpr bool isCurrent(Way way) {
+    return way == Way::current || way == Way::currentNoRelaunch;
+}
 
 /// The first ones, on which most goes on; each of the others differs in one step.
 inline constexpr std::size_t kMainWays = static_cast<std::size_t>(Way::relaunchFails) + 1;
