@@ -24,7 +24,8 @@ class Group:
 
 # Compiling takes longer than most tests, so the code is not optimised. All groups share one build.
 PRESET = "linux-coverage"
-OPTIONS = ("-DKVN_COVERAGE=OFF", "-DCMAKE_BUILD_TYPE=None", "-DCMAKE_CXX_FLAGS=-D_GLIBCXX_ASSERTIONS")
+OPTIONS = ("-DKVN_COVERAGE=OFF", "-DCMAKE_BUILD_TYPE=None", "-DCMAKE_CXX_FLAGS=-D_GLIBCXX_ASSERTIONS",
+           "-DCMAKE_PROJECT_INCLUDE=scripts/lib/mutation/precompiled.cmake")
 
 UNIT_TESTS = Test("portable_tests", "tests/unit/portable_tests")
 CORE_TESTS = Test("simulated_core_tests", "tests/simulation/core/simulated_core_tests")

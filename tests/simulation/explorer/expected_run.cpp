@@ -26,18 +26,13 @@ std::string inQuotes(std::string_view text) {
     return "\"" + std::string(text) + "\"";
 }
 
-bool hasNoInventory(Way way) {
-    return way == Way::complete || way == Way::linkedOffer || way == Way::damagedPackage || way == Way::talkativeTool ||
-           way == Way::unlistedFile || way == Way::longPackage;
-}
-
 /// The run as it should be, made up from the two releases and the way.
 class ExpectedRun {
 public:
     explicit ExpectedRun(const Setting& setting)
         : setting_(setting),
           isOverHttps_(setting.way == Way::incrementalOverHttps || setting.way == Way::completeOverHttps),
-          packageBytes_(packageBytes(setting)) {
+          packageBytes_(offerOf(setting.releases.offered, unlistedFiles(setting.way)).package.size()) {
         begin();
     }
 
@@ -47,12 +42,6 @@ public:
     std::string report;  ///< empty: none is left, or an earlier one
 
 private:
-    static std::uint64_t packageBytes(const Setting& setting) {
-        std::vector<ReleaseFile> unlisted;
-        if (setting.way == Way::unlistedFile) unlisted.push_back({"data/unlisted.pak", "in no list"});
-        return offerOf(setting.releases.offered, unlisted).package.size();
-    }
-
     void step(const Step& step) {
         steps.push_back(lineOf(step.text, step.percent));
     }
@@ -172,7 +161,7 @@ private:
         if (setting_.way == Way::damagedPackage) return false;
         step(timetable::inspectingPackage);
         runTool(" \"-tf\" " + package, setting_.way == Way::talkativeTool);
-        if (setting_.way == Way::talkativeTool) return false;
+        if (setting_.way == Way::talkativeTool || setting_.way == Way::escapingFile) return false;
         step(timetable::unpackingPackage);
         runTool(" \"-xf\" " + package + " \"-C\" " + inQuotes(place::kStaging), false);
         report = "mode=full\r\nbytes=" + std::to_string(packageBytes_) + "\r\n";

@@ -40,6 +40,7 @@ constexpr std::array<WayFacts, kWays> kWayFacts = {{
     {"incremental, and the game does not close", 26},
     {"incremental, without a relaunch", 0},
     {"already current, without a relaunch", 0},
+    {"complete package with a file that would leave its folder", 21},
 }};
 
 constexpr std::string_view kGame = "C:/Games/Kelvane/Vorthmere.exe";
@@ -59,9 +60,7 @@ Arguments argumentsOf(Way way, std::uint32_t installed) {
     const std::filesystem::path offer(place::kOffer);
     arguments.manifestFile = offer / "manifest";
     arguments.packageFile = offer / "package.zip";
-    if (way == Way::complete || way == Way::linkedOffer || way == Way::damagedPackage || way == Way::talkativeTool ||
-        way == Way::unlistedFile || way == Way::longPackage)
-        return arguments;
+    if (hasNoInventory(way)) return arguments;
     arguments.inventoryFile = offer / "inventory";
     arguments.objectDirectory = offer / "objects";
     return arguments;
@@ -143,6 +142,27 @@ std::string_view nameOf(Way way) {
     return kWayFacts[static_cast<std::size_t>(way)].name;
 }
 
+std::vector<ReleaseFile> unlistedFiles(Way way) {
+    if (way == Way::unlistedFile) return {{"data/unlisted.pak", "in no list"}};
+    if (way == Way::escapingFile) return {{"../escaped.pak", "out of the folder"}};
+    return {};
+}
+
+bool hasNoInventory(Way way) {
+    switch (way) {
+        case Way::complete:
+        case Way::linkedOffer:
+        case Way::damagedPackage:
+        case Way::talkativeTool:
+        case Way::unlistedFile:
+        case Way::longPackage:
+        case Way::escapingFile:
+            return true;
+        default:
+            return false;
+    }
+}
+
 int undisturbedCode(Way way) {
     return kWayFacts[static_cast<std::size_t>(way)].code;
 }
@@ -163,9 +183,7 @@ SettingPointer settingOf(ReleasePair releases, Way way, Profile profile, bool ha
     machine.files.putReparsePoint(std::string(place::kStaging) + "/planted", tag::junction,
                                   std::string(place::kElsewhere), true);
     putSurroundings(machine, releases);
-    std::vector<ReleaseFile> unlisted;
-    if (way == Way::unlistedFile) unlisted.push_back({"data/unlisted.pak", "in no list"});
-    const Offer offer = offerOf(releases.offered, unlisted);
+    const Offer offer = offerOf(releases.offered, unlistedFiles(way));
     if (isLocal(way))
         putLocalOffer(machine, offer);
     else

@@ -36,8 +36,9 @@ enum class Way : std::uint8_t {
     lastingGame,           ///< incremental, and the game does not close
     noRelaunch,            ///< incremental, and the game is left closed
     currentNoRelaunch,     ///< nothing newer is offered, and the game is left closed
+    escapingFile,          ///< the local package holds a file that would leave its folder
 };
-inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::currentNoRelaunch) + 1;
+inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::escapingFile) + 1;
 
 [[nodiscard]] constexpr bool isCurrent(Way way) {
     return way == Way::current || way == Way::currentNoRelaunch;
@@ -45,6 +46,12 @@ inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::currentNoRela
 
 /// The first ones, on which most goes on; each of the others differs in one step.
 inline constexpr std::size_t kMainWays = static_cast<std::size_t>(Way::relaunchFails) + 1;
+
+/// Files that the package of this way holds and its list does not name.
+[[nodiscard]] std::vector<ReleaseFile> unlistedFiles(Way way);
+
+/// True when the complete package is the only way that is offered.
+[[nodiscard]] bool hasNoInventory(Way way);
 
 /// How an update on this way ends when nothing disturbs it.
 [[nodiscard]] int undisturbedCode(Way way);
