@@ -57,12 +57,23 @@ TEST_F(ArchiveToolRunTest, EachStepThatFailsHasItsSentence) {
     EXPECT_FALSE(run());
     EXPECT_EQ(error, L"Unable to start the Windows archive tool (error 740).");
     EXPECT_EQ(output, "earlier");
-    for (const std::uint32_t code : {1U, 2U, 0xC0000005U}) {
+    for (const std::uint32_t code : {1U, 2U, 6U, 0xC0000005U}) {
         harm(Operation::exitCodeOf, {.error = code});
         EXPECT_FALSE(run());
         EXPECT_EQ(error, L"The Windows archive tool rejected the update package.");
         EXPECT_EQ(output, kListing);
     }
+}
+
+// It would go on writing, for ever where the pipe is full, if nobody told it that the reader is gone.
+TEST_F(ArchiveToolRunTest, AToolWhoseOutputCannotBeReadToItsEndIsEnded) {
+    std::vector<PackagedEntry> entries;
+    for (int i = 0; i < 100; ++i)
+        entries.push_back({.name = "file " + std::to_string(i)});
+    machine.files.putFile("C:/Work/a.zip", contentOf(packageOf(entries)));
+    harm(Operation::readBytes, {.error = 1117});
+    EXPECT_FALSE(run());
+    EXPECT_EQ(error, L"The Windows archive tool rejected the update package.");
 }
 
 }  // namespace

@@ -51,6 +51,21 @@ TEST_F(ExtractedTreeTest, WhatCannotBeAskedForEndsIt) {
     EXPECT_EQ(error, L"Unable to inspect the extracted update.");
 }
 
+TEST_F(ExtractedTreeTest, TheFirstEntryThatIsRefusedIsTheOneThatIsTold) {
+    const std::string unsupported = "C:/Work/c";
+    machine.files.putFile("C:/Work/b+b", contentOf("b"));
+    machine.files.putReparsePoint(unsupported, tag::junction, "C:/Windows", true);
+    const Fault unknown{.error = 5, .always = true};
+    plan({{{Operation::entryAttributes, unsupported}, unknown}});
+    EXPECT_FALSE(inspect());
+    EXPECT_EQ(error, L"The extracted update contains an unsafe path.");
+
+    machine.files.putReparsePoint("C:/Work/a", tag::junction, "C:/Windows", true);
+    plan({{{Operation::entryAttributes, "C:/Work/a"}, unknown}});
+    EXPECT_FALSE(inspect());
+    EXPECT_EQ(error, L"The update archive contains an unsupported file type.");
+}
+
 TEST_F(ExtractedTreeTest, ALinkEndsTheWalkWithoutAFailure) {
     machine.files.putFile("C:/Work/a", contentOf("a"));
     machine.files.putReparsePoint("C:/Work/b", tag::junction, "C:/Windows", true);
