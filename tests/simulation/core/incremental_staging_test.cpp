@@ -86,6 +86,16 @@ TEST_F(IncrementalStagingTest, WithoutAnInventoryThereIsNothingToSay) {
     EXPECT_THAT(steps, ElementsAre());
 }
 
+TEST_F(IncrementalStagingTest, AnInventoryThatCannotBeUsedFailsWithTheReadersSentence) {
+    machine.files.putFile("C:/Offer/inventory", contentOf(""));
+    EXPECT_FALSE(stage());
+    EXPECT_EQ(error, L"An update metadata file has an invalid size.");
+    machine.files.putFile("C:/Offer/inventory", contentOf("KVN-FILES/1\n"));
+    EXPECT_FALSE(stage());
+    EXPECT_EQ(error, L"File inventory does not match the selected release.");
+    EXPECT_THAT(steps, ElementsAre());
+}
+
 TEST_F(IncrementalStagingTest, EachStepThatFailsHasItsSentence) {
     const std::tuple<Operation, std::size_t, std::wstring> failures[] = {
         {Operation::copyFile, 0, L"Unable to read the local file inventory."},
