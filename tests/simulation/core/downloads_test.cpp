@@ -44,6 +44,15 @@ TEST_F(DownloadsTest, ABodyMayBeAsLargeAsTheLimitAndNoLarger) {
     }
 }
 
+TEST_F(DownloadsTest, WhatTheHostDoesNotHaveIsNoDownload) {
+    Manifest manifest;
+    EXPECT_FALSE(download(100));
+    EXPECT_EQ(error, L"The update host returned HTTP 404.");
+    EXPECT_THAT(callsOf(Operation::createToWrite), ElementsAre());
+    EXPECT_FALSE(fetchManifest(kAddress, manifest, error));
+    EXPECT_EQ(error, L"The update host returned HTTP 404.");
+}
+
 TEST_F(DownloadsTest, OfABodyThatIsAnnouncedAsTooLargeNothingIsRead) {
     answer("https://host/a", "four");
     EXPECT_FALSE(download(3));
