@@ -50,6 +50,13 @@ TEST_F(FileDigestTest, EachStepThatFailsHasItsSentenceAndEmptiesTheDigest) {
     }
 }
 
+TEST_F(FileDigestTest, WithoutAProviderNothingElseIsTried) {
+    put("content");
+    harm(Operation::openSha256, {.error = 5});
+    EXPECT_FALSE(sha256File("C:/Work/a", digest, error));
+    EXPECT_THAT(callsOf(Operation::digestMemorySize), ElementsAre());
+}
+
 TEST_F(FileDigestTest, AFileMatchesOnItsSizeAndItsDigestTogether) {
     put("content");
     const InventoryEntry entry{"a", sha256TextOf("content"), 7};

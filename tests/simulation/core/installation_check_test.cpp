@@ -46,5 +46,20 @@ TEST_F(InstallationCheckTest, AFolderThatIsNoInstallationIsRefusedUnderItsOwnNam
     EXPECT_FALSE(check("C:/Game"));
 }
 
+TEST_F(InstallationCheckTest, AnEmptyPathIsNotAskedFor) {
+    EXPECT_FALSE(check(""));
+    EXPECT_THAT(callsOf(Operation::entryFacts), ::testing::IsEmpty());
+}
+
+TEST_F(InstallationCheckTest, AStatusThatCannotBeToldNamesTheFolderItself) {
+    harm(Operation::entryFacts, {.error = 5});
+    try {
+        static_cast<void>(check("C:/Game"));
+        FAIL() << "nothing thrown";
+    } catch (const std::filesystem::filesystem_error& thrown) {
+        EXPECT_EQ(thrown.path1(), "C:/Game");
+    }
+}
+
 }  // namespace
 }  // namespace vorthmere::update::simulation

@@ -59,6 +59,8 @@ private:
         if (setting_.way == Way::linkedWorkFolder) return;
         if (!stageIncrementally() && !stagePackage()) return;
         step(timetable::waitingForGame);
+        if (setting_.arguments.parentProcessId != 0)
+            programs.push_back("openProcess " + std::to_string(setting_.arguments.parentProcessId) + ", ");
         const bool isRunning = setting_.arguments.parentProcessId != 0 && setting_.way != Way::exitedGame;
         if (isRunning) programs.push_back("waitForEnd " + game() + ", 120000 ms");
         if (setting_.way == Way::lastingGame) return;
@@ -194,7 +196,8 @@ Lines programsOf(const Outcome& outcome) {
     Lines programs;
     for (const Call& call : outcome.calls)
         if (call.operation == Operation::startCaptured || call.operation == Operation::startProgram ||
-            call.operation == Operation::waitForEnd || call.operation == Operation::endProcess)
+            call.operation == Operation::openProcess || call.operation == Operation::waitForEnd ||
+            call.operation == Operation::endProcess)
             programs.push_back(std::string(nameOf(call.operation)) + " " + call.subject + ", " + call.second);
     return programs;
 }

@@ -38,7 +38,7 @@ constexpr std::array<WayFacts, kWays> kWayFacts = {{
     {"complete package, which is longer than announced", 17},
     {"incremental, the game having exited", 0},
     {"incremental, and the game does not close", 26},
-    {"incremental, without a relaunch", 0},
+    {"incremental, without a running game or a relaunch", 0},
     {"already current, without a relaunch", 0},
     {"complete package with a file that would leave its folder", 21},
 }};
@@ -191,7 +191,7 @@ SettingPointer settingOf(ReleasePair releases, Way way, Profile profile, bool ha
     if (way == Way::completeOverHttps) machine.internet.answers.erase(channelObject(machine));
     setting->arguments = argumentsOf(way, isCurrent(way) ? releases.offered.number : releases.installed.number);
     ProgramBehaviour& game = machine.processes.programs["vorthmere.exe"];
-    if (hasRunningGame) {
+    if (hasRunningGame && way != Way::noRelaunch) {
         if (way != Way::lastingGame) game.runsForMs = kGameEndsAfterMs;
         const Error fault = machine.processes.start(machine.files, kGame, kGame, place::kInstallation, 0,
                                                     setting->arguments.parentProcessId);

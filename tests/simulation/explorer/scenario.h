@@ -34,7 +34,7 @@ enum class Way : std::uint8_t {
     longPackage,           ///< the local package is a byte longer than announced
     exitedGame,            ///< incremental, and the game that is to be waited for has exited already
     lastingGame,           ///< incremental, and the game does not close
-    noRelaunch,            ///< incremental, and the game is left closed
+    noRelaunch,            ///< incremental; the game does not run and is left closed
     currentNoRelaunch,     ///< nothing newer is offered, and the game is left closed
     escapingFile,          ///< the local package holds a file that would leave its folder
 };
