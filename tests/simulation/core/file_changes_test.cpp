@@ -96,6 +96,9 @@ TEST_F(FileChangesTest, AFolderIsMadeOnlyWhereItsParentIsMissing) {
     harm(Operation::createFolder, {.error = 5});
     EXPECT_EQ(createFolders("C:/Work/new/inner", created).value(), 5);
     EXPECT_THAT(callsOf(Operation::createFolder), ElementsAre("C:/Work/new/inner"));
+    harm(Operation::createFolder, {.error = 5}, 1);
+    EXPECT_EQ(createFolders("C:/Work/new/inner", created).value(), 5);
+    EXPECT_THAT(callsOf(Operation::createFolder), ElementsAre("C:/Work/new/inner", "C:/Work/new"));
     EXPECT_THAT(created, ElementsAre());
 }
 
