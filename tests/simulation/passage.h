@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -39,6 +40,9 @@ namespace vorthmere::update::simulation {
     return static_cast<HandleId>(reinterpret_cast<std::uintptr_t>(handle));
 }
 
+/// No program under test makes so many calls.
+inline constexpr std::size_t kCallsWithoutEnd = 200000;
+
 /// Makes one call.
 ///
 /// @param work    does as much of the call as the extent says: Error(Machine&, Extent)
@@ -51,6 +55,10 @@ Error pass(Operation operation, std::string subject, std::string second, Work wo
     Gate& gate = currentGate();
     Machine& machine = gate.machine();
     if (machine.isFrozen()) throw Crashed{};
+    if (gate.calls().size() >= kCallsWithoutEnd) {
+        machine.killCaller();
+        throw Hung{"it calls and calls"};
+    }
     const Gate::Verdict verdict = gate.before(operation, std::move(subject), std::move(second));
     Error result = error::none;
     try {

@@ -83,7 +83,7 @@ void endProcess(const ProcessHandle& process, std::uint32_t exitCode) {
                     });
 }
 
-// A fault gives another exit code, so that it never looks like "unknown".
+// A fault gives another exit code; the one for an invalid handle means that there is none to be told.
 std::uint32_t exitCodeOf(const ProcessHandle& process, std::uint32_t unknown) {
     std::uint32_t code = unknown;
     const Error fault = passWhole(
@@ -93,6 +93,7 @@ std::uint32_t exitCodeOf(const ProcessHandle& process, std::uint32_t unknown) {
             return error::none;
         },
         &code);
+    if (fault == error::invalidHandle) return unknown;
     return fault == error::none ? code : fault;
 }
 

@@ -127,7 +127,9 @@ void Aftermath::nextRun(const Outcome& outcome, const Machine& machine, const Tr
 
     const bool canStart = setting->way != Way::relaunchFails;
     const int currentCode = canStart ? 0 : 12;
-    const int expected = next->way == Way::current ? currentCode : calmCode(setting);
+    // Nothing runs any more that it would wait for.
+    const int calm = setting->way == Way::lastingGame ? 0 : calmCode(setting);
+    const int expected = isCurrent(next->way) ? currentCode : calm;
     const bool refuses = result.end == Outcome::End::returned && result.code == 10 && lacksMarker(tree);
     if (question.mustComplete && !refuses && (result.end != Outcome::End::returned || result.code != expected))
         broken("the next run ends with " + describe(result));

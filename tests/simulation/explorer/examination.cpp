@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <sstream>
 
+#include "tests/simulation/explorer/expected_run.h"
+
 namespace vorthmere::update::simulation {
 namespace {
 
@@ -14,16 +16,6 @@ std::vector<Breach> unmet(const Outcome& outcome, std::size_t mustMeet) {
         if (outcome.timesMet[i] == 0)
             breaches.push_back({"met", "", describe(outcome.scenario.plan[i]) + " did not happen"});
     return breaches;
-}
-
-/// Without a plan the code is known. A drawn release may be one that cannot be installed over the other.
-std::vector<Breach> unexpected(const Outcome& outcome) {
-    const Way way = outcome.scenario.setting->way;
-    if (!outcome.scenario.plan.empty() || outcome.code == undisturbedCode(way)) return {};
-    if (outcome.scenario.setting->isDrawn && outcome.code == 27) return {};
-    return {
-        {"undisturbed", "",
-         "the code should be " + std::to_string(undisturbedCode(way)) + " on the way: " + std::string(nameOf(way))}};
 }
 
 /// Where two runs of one scenario part.
@@ -62,7 +54,7 @@ Finding Examination::examine(const Scenario& scenario, std::size_t mustMeet, boo
     }
     if (isExcused) ++excused_;
     append(finding.breaches, unmet(finding.outcome, mustMeet));
-    append(finding.breaches, unexpected(finding.outcome));
+    append(finding.breaches, brokenExpectations(finding.outcome));
     if (!twice) return finding;
     ++updates_;
     append(finding.breaches, differences(finding.outcome, play(scenario)));

@@ -91,6 +91,21 @@ std::optional<Scenario> lookedAtOnTheWayBack(Tape& tape, Stock& stock) {
     return calm.with(atCall(move.number + 1), look).with(atCall(later), Fault{error::accessDenied});
 }
 
+/// A folder lies where a file is to be moved aside, or where one is to be moved in.
+std::optional<Scenario> placeTaken(Tape& tape, Stock& stock) {
+    const auto& [way, step] = tape.anyOf(kWaysWithWayBack);
+    const Scenario calm{stock.setting(way), {}};
+    const Outcome& good = stock.outcomeOf(calm);
+    const std::size_t first = good.firstCallOf(step);
+    if (first >= good.calls.size()) return std::nullopt;
+    const Call& move = good.calls[first + tape.upTo(good.calls.size() - first - 1)];
+    if (move.operation != Operation::moveFile) return std::nullopt;
+    Intrusion folder;
+    folder.kind = Intrusion::Kind::createFolder;
+    folder.path = move.second;
+    return calm.with(atCall(move.number), folder);
+}
+
 constexpr std::array kExtents = {Extent::none, Extent::part, Extent::whole};
 
 std::optional<Scenario> killed(Tape& tape, Stock& stock) {
@@ -240,6 +255,7 @@ const std::vector<Exploration>& explorations() {
         {"intrusion", true, false, 1, intrusion},
         {"drawn releases", false, false, 0, drawnUpdate},
         {"swarm", false, false, 0, swarm},
+        {"place taken", true, true, 1, placeTaken},
     };
     return all;
 }

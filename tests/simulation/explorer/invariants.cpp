@@ -138,7 +138,7 @@ private:
 
     void told() {
         if (outcome_.end == Outcome::End::returned && saysNewRelease(outcome_)) {
-            if (setting_.way == Way::current) return nothingChanged(true);
+            if (isCurrent(setting_.way)) return nothingChanged(true);
             newReleaseIsWhole();
             if (outcome_.code == 0) backupIsExact();
             if (outcome_.code == 0 && outcome_.scenario.plan.empty()) workFolderIsTidy();
@@ -212,7 +212,7 @@ private:
         if (outcome_.end != Outcome::End::threw) return;
         constexpr std::string_view operations[] = {"exists", "status", "absolute"};
         if (std::none_of(std::begin(operations), std::end(operations), [this](std::string_view operation) {
-                return outcome_.exception.find(operation) != std::string::npos;
+                return outcome_.exception.find(" " + std::string(operation) + ": ") != std::string::npos;
             }))
             broken("4 documented", "", "exception " + outcome_.exception);
     }
@@ -286,6 +286,16 @@ bool changesTree(Intrusion::Kind kind) {
     }
 }
 
+/// True for an empty folder where a file is about to be moved aside: it takes nothing from the file, which stays or
+/// returns.
+bool isFolderInItsWay(const Outcome& outcome, const PlannedAction& planned) {
+    const auto* intrusion = std::get_if<Intrusion>(&planned.action);
+    if (intrusion->kind != Intrusion::Kind::createFolder) return false;
+    const bool isSwapping = planned.trigger.number >= outcome.firstCallOf(kLaunchingText);
+    const std::string_view folder = isSwapping ? place::kStaging : place::kBackup;
+    return isAtOrBelow(treeKeyOf(intrusion->path), treeKeyOf(folder));
+}
+
 }  // namespace
 
 std::vector<Breach> brokenInvariants(const Outcome& outcome, const DocumentedFailures& documented) {
@@ -297,6 +307,7 @@ std::vector<std::string> changedByOthers(const Outcome& outcome) {
     for (std::size_t i = 0; i < outcome.scenario.plan.size(); ++i) {
         const auto* intrusion = std::get_if<Intrusion>(&outcome.scenario.plan[i].action);
         if (intrusion == nullptr || outcome.timesMet[i] == 0 || !changesTree(intrusion->kind)) continue;
+        if (isFolderInItsWay(outcome, outcome.scenario.plan[i])) continue;
         changed.push_back(treeKeyOf(intrusion->path));
         if (intrusion->kind == Intrusion::Kind::rename) changed.push_back(treeKeyOf(intrusion->second));
     }

@@ -27,6 +27,7 @@ namespace vorthmere::update::simulation {
 ///  8 converges: the next run, unharmed, completes, or ends with 10 and changes nothing.
 ///  9 recoverable: after any end in between, the steps of README.md bring each old file back, and an update after them
 ///    completes.
+/// 10 undisturbed: without a plan everything is as expected_run.h says.
 ///
 /// What is promised depends on the plan: where the way back itself was harmed, the files that its failed calls named
 /// may be elsewhere (2 holds all the same); what other programs changed is theirs.
@@ -39,7 +40,8 @@ struct Breach {
 /// Invariants 1 to 7.
 [[nodiscard]] std::vector<Breach> brokenInvariants(const Outcome& outcome, const DocumentedFailures& documented);
 
-/// Paths that other programs of the plan changed, as keys; what lies below them counts as well.
+/// Paths that other programs of the plan changed, as keys; what lies below them counts as well. A folder that was made
+/// where a file is to be moved aside changes nothing.
 [[nodiscard]] std::vector<std::string> changedByOthers(const Outcome& outcome);
 
 /// True when the outcome's code says that the new release is installed.

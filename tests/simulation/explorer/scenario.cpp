@@ -35,6 +35,12 @@ constexpr std::array<WayFacts, kWays> kWayFacts = {{
     {"incremental, and a folder of the game is a junction", 27},
     {"incremental, and the work folder is a junction", 13},
     {"complete package with a file that no list names", 24},
+    {"complete package, which is longer than announced", 17},
+    {"incremental, the game having exited", 0},
+    {"incremental, and the game does not close", 26},
+    {"incremental, without a running game or a relaunch", 0},
+    {"already current, without a relaunch", 0},
+    {"complete package with a file that would leave its folder", 21},
 }};
 
 constexpr std::string_view kGame = "C:/Games/Kelvane/Vorthmere.exe";
@@ -49,13 +55,12 @@ Arguments argumentsOf(Way way, std::uint32_t installed) {
     Arguments arguments;
     arguments.install = std::string(place::kInstallation);
     arguments.currentRelease = installed;
+    arguments.noRelaunch = way == Way::noRelaunch || way == Way::currentNoRelaunch;
     if (!isLocal(way)) return arguments;
     const std::filesystem::path offer(place::kOffer);
     arguments.manifestFile = offer / "manifest";
     arguments.packageFile = offer / "package.zip";
-    if (way == Way::complete || way == Way::linkedOffer || way == Way::damagedPackage || way == Way::talkativeTool ||
-        way == Way::unlistedFile)
-        return arguments;
+    if (hasNoInventory(way)) return arguments;
     arguments.inventoryFile = offer / "inventory";
     arguments.objectDirectory = offer / "objects";
     return arguments;
@@ -86,6 +91,10 @@ void damage(Machine& machine, const std::string& path) {
     machine.files.putFile(path, contentOf(std::move(bytes)));
 }
 
+void lengthen(Machine& machine, const std::string& path) {
+    machine.files.putFile(path, contentOf(*machine.files.find(path)->content + "x"));
+}
+
 /// The object of a file that changes.
 std::string objectOf(const Release& release, std::string_view path) {
     for (const ReleaseFile& file : release.files)
@@ -105,6 +114,8 @@ void prepare(Machine& machine, Way way, const ReleasePair& releases) {
             return damage(machine, objectOf(releases.offered, kGameExecutableName));
         case Way::damagedPackage:
             return damage(machine, std::string(place::kOffer) + "/package.zip");
+        case Way::longPackage:
+            return lengthen(machine, std::string(place::kOffer) + "/package.zip");
         case Way::talkativeTool:
             machine.processes.archiveTool.alsoPrintsBytes = kTooMuchOutput;
             return;
@@ -131,6 +142,27 @@ std::string_view nameOf(Way way) {
     return kWayFacts[static_cast<std::size_t>(way)].name;
 }
 
+std::vector<ReleaseFile> unlistedFiles(Way way) {
+    if (way == Way::unlistedFile) return {{"data/unlisted.pak", "in no list"}};
+    if (way == Way::escapingFile) return {{"../escaped.pak", "out of the folder"}};
+    return {};
+}
+
+bool hasNoInventory(Way way) {
+    switch (way) {
+        case Way::complete:
+        case Way::linkedOffer:
+        case Way::damagedPackage:
+        case Way::talkativeTool:
+        case Way::unlistedFile:
+        case Way::longPackage:
+        case Way::escapingFile:
+            return true;
+        default:
+            return false;
+    }
+}
+
 int undisturbedCode(Way way) {
     return kWayFacts[static_cast<std::size_t>(way)].code;
 }
@@ -151,21 +183,20 @@ SettingPointer settingOf(ReleasePair releases, Way way, Profile profile, bool ha
     machine.files.putReparsePoint(std::string(place::kStaging) + "/planted", tag::junction,
                                   std::string(place::kElsewhere), true);
     putSurroundings(machine, releases);
-    std::vector<ReleaseFile> unlisted;
-    if (way == Way::unlistedFile) unlisted.push_back({"data/unlisted.pak", "in no list"});
-    const Offer offer = offerOf(releases.offered, unlisted);
+    const Offer offer = offerOf(releases.offered, unlistedFiles(way));
     if (isLocal(way))
         putLocalOffer(machine, offer);
     else
         putChannel(machine, offer);
     if (way == Way::completeOverHttps) machine.internet.answers.erase(channelObject(machine));
-    setting->arguments = argumentsOf(way, way == Way::current ? releases.offered.number : releases.installed.number);
+    setting->arguments = argumentsOf(way, isCurrent(way) ? releases.offered.number : releases.installed.number);
     ProgramBehaviour& game = machine.processes.programs["vorthmere.exe"];
-    if (hasRunningGame) {
-        game.runsForMs = kGameEndsAfterMs;
+    if (hasRunningGame && way != Way::noRelaunch) {
+        if (way != Way::lastingGame) game.runsForMs = kGameEndsAfterMs;
         const Error fault = machine.processes.start(machine.files, kGame, kGame, place::kInstallation, 0,
                                                     setting->arguments.parentProcessId);
         if (fault != error::none) throw std::logic_error("The game of a scenario does not start.");
+        if (way == Way::exitedGame) machine.processes.end(machine.files, setting->arguments.parentProcessId, 0);
         game.runsForMs.reset();
     }
     if (way == Way::relaunchFails) game.startError = error::notAProgram;

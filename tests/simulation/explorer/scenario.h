@@ -31,11 +31,27 @@ enum class Way : std::uint8_t {
     linkedFolder,          ///< a folder of the installation is a junction
     linkedWorkFolder,      ///< the work folder is one
     unlistedFile,          ///< the local package holds a file that its list does not name
+    longPackage,           ///< the local package is a byte longer than announced
+    exitedGame,            ///< incremental, and the game that is to be waited for has exited already
+    lastingGame,           ///< incremental, and the game does not close
+    noRelaunch,            ///< incremental; the game does not run and is left closed
+    currentNoRelaunch,     ///< nothing newer is offered, and the game is left closed
+    escapingFile,          ///< the local package holds a file that would leave its folder
 };
-inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::unlistedFile) + 1;
+inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::escapingFile) + 1;
+
+[[nodiscard]] constexpr bool isCurrent(Way way) {
+    return way == Way::current || way == Way::currentNoRelaunch;
+}
 
 /// The number of the first ways, on which most happens. Each of the others differs in one step.
 inline constexpr std::size_t kMainWays = static_cast<std::size_t>(Way::relaunchFails) + 1;
+
+/// Files that the package of this way holds and its list does not name.
+[[nodiscard]] std::vector<ReleaseFile> unlistedFiles(Way way);
+
+/// True when the complete package is the only way that is offered.
+[[nodiscard]] bool hasNoInventory(Way way);
 
 /// How an update on this way ends when nothing disturbs it.
 [[nodiscard]] int undisturbedCode(Way way);
