@@ -44,6 +44,11 @@ TEST_F(FileChangesTest, AnEntryThatIsThereAndSaidNotToBeIsNotRemoved) {
     }
 }
 
+TEST_F(FileChangesTest, AFolderThatIsSaidToBeGoneWhenItIsListedIsRemovedAllTheSame) {
+    harm(Operation::listFolder, {.error = 2});
+    EXPECT_EQ(removeTree("C:/Work/tree").value(), 145);
+}
+
 TEST_F(FileChangesTest, AnEntryThatVanishesIsRemoved) {
     for (const std::uint32_t told : {2U, 3U, 64U}) {
         machine.files.putFile("C:/Work/tree/file", contentOf("file"));
