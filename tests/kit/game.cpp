@@ -10,7 +10,6 @@ namespace {
 namespace fs = std::filesystem;
 namespace testing = update::testing;
 
-constexpr DWORD kRunLimitMs = 120000;
 constexpr char kSaveName[] = "saves/first.sav";
 constexpr char kSave[] = "the player's";
 

@@ -10,6 +10,9 @@
 
 namespace vorthmere::kit {
 
+/// An update that runs longer than this hangs.
+inline constexpr DWORD kRunLimitMs = 120000;
+
 enum class Way { incremental, completePackage };
 
 /// Fails the current update unless a condition holds.

@@ -18,7 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 namespace testing = update::testing;
 
-constexpr DWORD kRunLimitMs = 120000;
 constexpr Way kBothWays[] = {Way::incremental, Way::completePackage};
 
 /// Thrown by an update that cannot run on this machine.

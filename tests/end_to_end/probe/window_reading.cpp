@@ -10,7 +10,7 @@ namespace {
 
 constexpr DWORD kWindowLimitMs = 60'000;
 constexpr DWORD kPollMs = 5;
-constexpr UINT kAnswerLimitMs = 5'000;
+constexpr UINT kTextLimitMs = 5'000;
 
 struct Search {
     DWORD processId;
@@ -54,7 +54,7 @@ std::wstring windowText(HWND window) {
     std::array<wchar_t, 4096> text{};
     DWORD_PTR length = 0;
     SendMessageTimeoutW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()), SMTO_NORMAL,
-                        kAnswerLimitMs, &length);
+                        kTextLimitMs, &length);
     return std::wstring(text.data(), length);
 }
 
