@@ -10,12 +10,11 @@ namespace vorthmere::update {
 namespace {
 
 /// True for a drive and for a network share, which have no parent folder.
-///
-/// @param path a full path: one of a network begins with two separators, any other with a drive
 bool isRoot(const std::filesystem::path& path) {
     const auto isSeparator = [](auto c) { return c == '/' || c == '\\'; };
     const std::filesystem::path::string_type& name = path.native();
-    if (isSeparator(name.front())) return std::count_if(name.begin() + 2, name.end(), isSeparator) < 2;
+    if (name.size() > 2 && isSeparator(name[0]) && isSeparator(name[1]))
+        return std::count_if(name.begin() + 2, name.end(), isSeparator) < 2;
     return !path.has_relative_path();
 }
 
