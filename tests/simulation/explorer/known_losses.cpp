@@ -133,6 +133,18 @@ bool isUntoldLink(const Outcome& outcome, const Breach&) {
 
 // A link that comes after the test for links.
 
+/// True when no test for links came after this call, or files had moved through the link before.
+bool isFollowedUntested(const Outcome& outcome, const std::string& link, std::size_t call) {
+    const auto isTestOrMove = [&link](const Call& later) {
+        if (later.operation == Operation::entryAttributes) return treeKeyOf(later.subject) == link;
+        return later.operation == Operation::moveFile &&
+               (isAtOrBelow(treeKeyOf(later.subject), link) || isAtOrBelow(treeKeyOf(later.second), link));
+    };
+    const auto begin = outcome.calls.begin() + static_cast<std::ptrdiff_t>(std::min(call, outcome.calls.size()));
+    const auto first = std::find_if(begin, outcome.calls.end(), isTestOrMove);
+    return first == outcome.calls.end() || first->operation == Operation::moveFile;
+}
+
 bool isLater(const Outcome& outcome, const PlannedAction& planned) {
     const auto* intrusion = std::get_if<Intrusion>(&planned.action);
     if (intrusion == nullptr) return false;
@@ -141,11 +153,7 @@ bool isLater(const Outcome& outcome, const PlannedAction& planned) {
                         intrusion->kind == Intrusion::Kind::plantFolderLink;
     // The rollback does not test for links at all, even when a link was what began it.
     const bool isTakenBack = WayBack(outcome).begin() < outcome.calls.size();
-    return isLink && (isTakenBack || std::none_of(outcome.calls.begin(), outcome.calls.end(), [&](const Call& call) {
-                          return call.number >= planned.trigger.number &&
-                                 call.operation == Operation::entryAttributes &&
-                                 treeKeyOf(call.subject) == treeKeyOf(intrusion->path);
-                      }));
+    return isLink && (isTakenBack || isFollowedUntested(outcome, treeKeyOf(intrusion->path), planned.trigger.number));
 }
 
 bool isLinkAfterTheTest(const Outcome& outcome, const Breach& breach) {
