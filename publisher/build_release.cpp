@@ -114,15 +114,14 @@ private:
         std::vector<ListedRelease> older;
         for (const std::string& fault : readReleasesBelow(release, request_.channel, listing_, older))
             note(fault + " So it is not known whether its players can install this release.");
-        for (const std::string& clause : folderChanges(older, {release, inventoryOf(files_)})) {
+        for (const std::string& change : folderChanges(older, {release, inventoryOf(files_)})) {
             if (request_.allowFolderChanges) {
-                note(clause + ": players who have that release cannot install this one.");
+                note(change);
                 continue;
             }
             if (!error.empty()) error += '\n';
-            error += clause +
-                     ": players who have that release could not install this one. Use another name, or give "
-                     "--allow-folder-changes if nobody has it any more.";
+            error += change +
+                     " Use another name, or give --allow-folder-changes if nobody has that release any more.";
         }
         return error.empty();
     }

@@ -92,9 +92,8 @@ private:
         if (!listChannel(channel_, listing, fault)) report_.notes.push_back(fault);
         for (const std::string& unreadable : readReleasesBelow(offered.release, channel_, listing, older))
             report_.notes.push_back(unreadable);
-        for (const std::string& clause : folderChanges(older, offered))
-            (allowFolderChanges_ ? report_.notes : report_.faults)
-                .push_back(clause + ": players who have that release cannot install this one.");
+        for (const std::string& change : folderChanges(older, offered))
+            (allowFolderChanges_ ? report_.notes : report_.faults).push_back(change);
     }
 
     void checkPackage(const update::Manifest& manifest, const Entries& entries) {

@@ -60,7 +60,7 @@ void addAllowances(CLI::App& build, ReleaseRequest& request) {
                    "Let a release number pass that leaves out more than a million, or leaves few for later");
     build.add_flag("--allow-folder-changes", request.allowFolderChanges,
                    "Publish although a file is a folder in an older release, or the reverse: players who have that "
-                   "release keep it and cannot install this one");
+                   "release may be unable to install this one, or to get theirs back");
     build.add_flag("--allow-any-programs", request.allowAnyPrograms,
                    "Do not look whether the programs are 64-bit Windows programs and the updater asks this channel");
 }
@@ -68,7 +68,7 @@ void addAllowances(CLI::App& build, ReleaseRequest& request) {
 void addBuild(CLI::App& build, Command& command, WrittenNumbers& numbers) {
     ReleaseRequest& request = command.build;
     update::Manifest& details = request.details;
-    build.add_option("--release", numbers.release, "Release number, greater than that of the release published so far")
+    build.add_option("--release", numbers.release, "Release number, greater than every one in the channel")
         ->required()
         ->type_name("NUMBER");
     build

@@ -36,13 +36,16 @@ std::string firstFileThatIsAFolder(const Files& files, const ListedRelease& file
 
 std::vector<std::string> folderChanges(const std::vector<ListedRelease>& older, const ListedRelease& newer) {
     const Files newFiles = filesOf(newer);
-    std::vector<std::string> clauses;
+    std::vector<std::string> sentences;
     for (const ListedRelease& release : older) {
-        std::string clause = firstFileThatIsAFolder(newFiles, newer, release);
-        if (clause.empty()) clause = firstFileThatIsAFolder(filesOf(release), release, newer);
-        if (!clause.empty()) clauses.push_back(clause);
+        if (const std::string clause = firstFileThatIsAFolder(newFiles, newer, release); !clause.empty())
+            sentences.push_back(clause + ": players who have release " + std::to_string(release.release) +
+                                " cannot install this one.");
+        else if (const std::string reverse = firstFileThatIsAFolder(filesOf(release), release, newer); !reverse.empty())
+            sentences.push_back(reverse + ": players who have release " + std::to_string(release.release) +
+                                " do not get it back when this one's game does not start.");
     }
-    return clauses;
+    return sentences;
 }
 
 }  // namespace vorthmere::publish

@@ -7,10 +7,11 @@
 
 namespace vorthmere::publish {
 
-/// Finds the older releases whose players cannot install a release, because a file in the one is a folder in the other:
-/// the updater moves files, not folders. Compares names as Windows does.
+/// Finds the older releases in which a folder is a file of a newer release, or the reverse. The updater moves files, not
+/// folders: a folder that becomes a file stops the update, and a file that becomes a folder cannot return when the new
+/// game does not start. Compares names as Windows does.
 ///
-/// @return one clause for each such release, with both paths and both releases
+/// @return one sentence for each such release, with both paths, both releases and what it means for players
 [[nodiscard]] std::vector<std::string> folderChanges(const std::vector<ListedRelease>& older,
                                                      const ListedRelease& newer);
 

@@ -44,7 +44,7 @@ TEST_F(PublisherChannelTest, FileThatWasAFolderIsRefusedForEveryOlderRelease) {
     const ToolEnd end = build(43);
     EXPECT_EQ(end.exitCode, 1);
     EXPECT_THAT(end.output, AllOf(HasSubstr("\"DATA\" is a file in release 43 and the folder of \"data/level.pak\" in "
-                                            "release 41"),
+                                            "release 41: players who have release 41 cannot install this one."),
                                   Not(HasSubstr("release 42:"))));
     EXPECT_THAT(check().output, HasSubstr("is sound"));
 }
@@ -55,15 +55,15 @@ TEST_F(PublisherChannelTest, FolderThatWasAFileIsRefusedUnlessItIsAllowed) {
     fs::remove(game_ / "data");
     writeFile(game_ / "data/level.pak", "level");
     const std::string fault =
-        "\"data\" is a file in release 41 and the folder of \"data/level.pak\" in release 42: players who have that "
-        "release";
+        "\"data\" is a file in release 41 and the folder of \"data/level.pak\" in release 42: players who have "
+        "release 41 do not get it back when this one's game does not start.";
     ToolEnd end = build(42);
     EXPECT_EQ(end.exitCode, 1);
-    EXPECT_THAT(end.output, HasSubstr(fault + " could not install this one."));
+    EXPECT_THAT(end.output, HasSubstr(fault + " Use another name"));
 
     end = build(42, {"--allow-folder-changes"});
     EXPECT_EQ(end.exitCode, 0);
-    EXPECT_THAT(end.output, HasSubstr("Note: " + fault + " cannot install this one."));
+    EXPECT_THAT(end.output, HasSubstr("Note: " + fault));
     end = check();
     EXPECT_EQ(end.exitCode, 1);
     EXPECT_THAT(end.output, HasSubstr(fault));
