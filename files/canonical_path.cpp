@@ -9,12 +9,16 @@
 namespace vorthmere::update {
 namespace {
 
-/// True for a drive and for a network share, which have no parent folder.
+// "\\server\share"
+constexpr std::ptrdiff_t kSeparatorsOfAShare = 3;
+
+/// True for a drive and for a network share, which have no parent folder. Of full paths only those of shares begin with
+/// a separator.
 bool isRoot(const std::filesystem::path& path) {
     const auto isSeparator = [](auto c) { return c == '/' || c == '\\'; };
     const std::filesystem::path::string_type& name = path.native();
-    if (name.size() > 2 && isSeparator(name[0]) && isSeparator(name[1]))
-        return std::count_if(name.begin() + 2, name.end(), isSeparator) < 2;
+    if (!name.empty() && isSeparator(name.front()))
+        return std::count_if(name.begin(), name.end(), isSeparator) <= kSeparatorsOfAShare;
     return !path.has_relative_path();
 }
 
