@@ -60,7 +60,7 @@ bool readSha256(std::string_view value, Manifest& manifest) {
 
 // Only the bytes of a name may follow the prefix, so that every package lies directly in the channel's folder.
 bool readUrl(std::string_view value, Manifest& manifest) {
-    constexpr std::size_t prefixLength = kDownloadBaseUrl.size() + kPackageNamePrefix.size();
+    const std::size_t prefixLength = kDownloadBaseUrl.size() + kPackageNamePrefix.size();
     constexpr std::size_t shortestTail = kPackageNameSuffix.size() + 1;
     if (value.size() > kMaxUrlBytes || value.size() < prefixLength + shortestTail) return false;
     if (!value.starts_with(kDownloadBaseUrl)) return false;

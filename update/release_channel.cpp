@@ -1,6 +1,12 @@
 #include "update/release_channel.h"
 
 namespace vorthmere::update {
+
+constexpr std::string_view kDownloadBaseUrl = KVN_DOWNLOAD_BASE_URL;
+
+static_assert(kDownloadBaseUrl.starts_with("https://"), "The release channel is served over HTTPS only.");
+static_assert(kDownloadBaseUrl.ends_with("/downloads/"), "The release channel's address ends in /downloads/.");
+
 namespace {
 
 std::string join(std::string_view a, std::string_view b, std::string_view c = {}) {

