@@ -40,8 +40,13 @@ if(MINGW)
 endif()
 
 if(KVN_SANITIZERS)
+    # A target or a folder whose code goes without some of them says so with this property.
+    define_property(TARGET PROPERTY KVN_UNSANITIZED INHERITED)
     target_compile_options(kvn_compiler_options INTERFACE
-        -fsanitize=${KVN_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        -fsanitize=${KVN_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer
+        $<$<BOOL:$<TARGET_PROPERTY:KVN_UNSANITIZED>>:-fno-sanitize=$<TARGET_PROPERTY:KVN_UNSANITIZED>>)
+    # The C++ library checks its preconditions, such as the bounds of what [] is asked for.
+    target_compile_definitions(kvn_compiler_options INTERFACE _GLIBCXX_ASSERTIONS)
     target_link_options(kvn_compiler_options INTERFACE -fsanitize=${KVN_SANITIZERS})
 endif()
 
