@@ -13,16 +13,16 @@
 namespace vorthmere::bench {
 namespace {
 
-constexpr DWORD kBlockBytes = 65536;
+constexpr DWORD kWriteBytes = 65536;
 
 void writeFile(const std::wstring& path, std::uint64_t bytes) {
     const update::testing::OpenFile file(
         CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     require(static_cast<bool>(file), "creating a file");
-    const std::vector<char> block(kBlockBytes, 'x');
+    const std::vector<char> block(kWriteBytes, 'x');
     for (std::uint64_t rest = bytes; rest > 0;) {
         DWORD written = 0;
-        const auto count = static_cast<DWORD>(std::min<std::uint64_t>(rest, kBlockBytes));
+        const auto count = static_cast<DWORD>(std::min<std::uint64_t>(rest, kWriteBytes));
         require(WriteFile(file.get(), block.data(), count, &written, nullptr), "writing a file");
         rest -= written;
     }
