@@ -71,6 +71,16 @@ std::vector<Fault> faultsOfAnyDownload() {
     return faults;
 }
 
+/// Some of them, one for each way in which a request or an answer ends. All four kinds of files are fetched by the same
+/// client, so all the faults are played for one file that is read and one that is stored.
+std::vector<Fault> someFaultsOfAnyDownload() {
+    std::vector<Fault> faults = faultsOfAnyDownload();
+    std::erase_if(faults, [](const Fault& fault) {
+        return fault.name != "302" && fault.name != "404" && fault.name != "body-stalled" && fault.name != "cut-short";
+    });
+    return faults;
+}
+
 /// Name and content of the objects that an installation of release 41 has to fetch, in the order of the inventory.
 std::vector<std::pair<std::string, std::string>> changedObjects() {
     std::vector<std::pair<std::string, std::string>> objects;
@@ -248,7 +258,7 @@ TEST_F(ChannelFaultTest, APackageIsInstalledHoweverItsBytesArrive) {
 }
 
 TEST_F(ChannelFaultTest, AnInventoryFaultLeadsToTheCompletePackage) {
-    std::vector<Fault> faults = faultsOfAnyDownload();
+    std::vector<Fault> faults = someFaultsOfAnyDownload();
     const std::string beyond(update::kMaxInventoryBytes + 1, 'i');
     const std::string atLimit = body(beyond.substr(1));
     const std::string tooLarge = body(beyond);
@@ -291,7 +301,7 @@ TEST_F(ChannelFaultTest, AnObjectFaultLeadsToTheCompletePackage) {
     const auto& [name, content] = objects.at(1);
     std::string different = content;
     different.front() ^= 1;
-    std::vector<Fault> faults = faultsOfAnyDownload();
+    std::vector<Fault> faults = someFaultsOfAnyDownload();
     faults.push_back({"one-too-many", body(content + "x"), ""});
     faults.push_back({"one-too-many-unadvertised", "length=none" + body(content + "x"), ""});
     faults.push_back({"one-too-many-in-chunks", "chunked=yes" + body(content + "x"), ""});
