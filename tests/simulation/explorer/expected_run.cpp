@@ -32,7 +32,7 @@ public:
     explicit ExpectedRun(const Setting& setting)
         : setting_(setting),
           isOverHttps_(setting.way == Way::incrementalOverHttps || setting.way == Way::completeOverHttps),
-          packageBytes_(offerOf(setting.releases.offered, unlistedFiles(setting.way)).package.size()) {
+          packageBytes_(offerOf(setting.releases, setting.way).package.size()) {
         begin();
     }
 
@@ -160,14 +160,14 @@ private:
             step(timetable::copyingLocalPackage);
         if (setting_.way == Way::longPackage) return false;
         step(timetable::verifyingPackage);
-        if (setting_.way == Way::damagedPackage) return false;
+        if (setting_.way == Way::damagedPackage || setting_.way == Way::noArchiveTool) return false;
         step(timetable::inspectingPackage);
         runTool(" \"-tf\" " + package, setting_.way == Way::talkativeTool);
         if (setting_.way == Way::talkativeTool || setting_.way == Way::escapingFile) return false;
         step(timetable::unpackingPackage);
         runTool(" \"-xf\" " + package + " \"-C\" " + inQuotes(place::kStaging), false);
         report = "mode=full\r\nbytes=" + std::to_string(packageBytes_) + "\r\n";
-        return setting_.way != Way::unlistedFile;
+        return setting_.way != Way::unlistedFile && setting_.way != Way::lackingFile;
     }
 
     const Setting& setting_;

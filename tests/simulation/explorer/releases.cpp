@@ -64,11 +64,12 @@ Release releaseOf(std::uint32_t number, std::vector<ReleaseFile> files) {
     return {number, std::move(files)};
 }
 
-Offer offerOf(const Release& release, const std::vector<ReleaseFile>& unlisted) {
+Offer offerOf(const Release& release, const std::vector<ReleaseFile>& unlisted, std::string_view lacking) {
     Offer offer;
     std::vector<PackagedEntry> entries;
     for (const ReleaseFile& file : release.files)
-        entries.push_back({.name = file.path, .content = file.content, .isReadOnly = file.isReadOnly});
+        if (file.path != lacking)
+            entries.push_back({.name = file.path, .content = file.content, .isReadOnly = file.isReadOnly});
     for (const ReleaseFile& file : unlisted)
         entries.push_back({.name = file.path, .content = file.content, .isReadOnly = file.isReadOnly});
     offer.package = packageOf(entries);

@@ -43,7 +43,9 @@ struct Offer {
 };
 
 /// @param unlisted files that the package holds besides, and no list names
-[[nodiscard]] Offer offerOf(const Release& release, const std::vector<ReleaseFile>& unlisted = {});
+/// @param lacking  path of a file that the package does not hold, though the list names it
+[[nodiscard]] Offer offerOf(const Release& release, const std::vector<ReleaseFile>& unlisted = {},
+                            std::string_view lacking = {});
 
 /// The folders of every scenario.
 namespace place {
