@@ -135,7 +135,7 @@ ReleasePair sampleReleases() {
                                      {"Docs/ReadMe.txt", "readme of 42"},
                                      {"data/changed.pak", "changed of 42"},
                                      {"data/kept.pak", "the same in both", true},
-                                     {"data/levels/new.pak", "new of 42"},
+                                     {"data/levels/north/new.pak", "new of 42"},
                                      {"mods/base.pak", "base of 42"},
                                      {"players.cfg", "defaults of 42"},
                                  }),

@@ -74,8 +74,9 @@ struct ReleasePair {
     std::vector<std::string> emptyFolders;  ///< relative
 };
 
-/// A small game whose next release changes, adds, drops and keeps a file, moves one to a new folder, writes one in
-/// other letters and turns a file into a folder; a player has files beside them and where a new one goes.
+/// A small game whose next release changes, adds, drops and keeps a file, puts one into a new folder within a new
+/// folder, writes one in other letters and turns a file into a folder; a player has files beside them and where a new
+/// one goes.
 [[nodiscard]] ReleasePair sampleReleases();
 
 /// The same without what cannot be swapped back when the new game does not start: a file that becomes a folder, a name
