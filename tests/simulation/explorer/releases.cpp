@@ -103,6 +103,7 @@ void putChannel(Machine& machine, const Offer& offer) {
     const auto answer = [&machine](const std::string& address, const std::string& body) {
         Answer given;
         given.body = contentOf(body);
+        given.chunkBytes = kChannelChunkBytes;
         machine.internet.answers[address] = std::move(given);
     };
     const std::size_t url = offer.manifest.find("url=") + 4;
