@@ -42,6 +42,35 @@ TEST_F(InstallWithBackupTest, FoldersWhoseNamesDifferInOneLetterAreAllMade) {
     }
 }
 
+TEST_F(InstallWithBackupTest, AFolderThatVanishedMeanwhileIsMadeAgainForItsOldFile) {
+    put("Game", {"data/a"});
+    put("New", {"b"});
+    Intrusion removal;
+    removal.kind = Intrusion::Kind::remove;
+    removal.path = "C:/Game/data";
+    plan({{{Operation::createFolder, "C:/Game", 0}, removal}, {{Operation::moveFile, "C:/New/b", 0}, Fault{5}}});
+    EXPECT_FALSE(installWithBackup("C:/Game", "C:/New", "C:/Backup", {"data/a"}, {"b"}, error));
+    EXPECT_EQ(contentOfFile("C:/Game/data/a"), "Game data/a");
+}
+
+TEST_F(InstallWithBackupTest, AMoveInThatFailedAndTookEffectAllTheSameIsTakenBack) {
+    harm(Operation::moveFile, {.error = 64, .effect = Extent::whole});
+    EXPECT_FALSE(install({}, {"b"}));
+    EXPECT_EQ(contentOfFile("C:/Game/b"), "(none)");
+}
+
+TEST_F(InstallWithBackupTest, AFileOfSomebodyElseInThePlaceOfANewOneIsNotTakenOut) {
+    put("New", {"b"});
+    Intrusion creation;
+    creation.kind = Intrusion::Kind::create;
+    creation.path = "C:/Game/b";
+    creation.second = "somebody else's";
+    const Trigger moveIn{Operation::moveFile, "C:/New/b", 0};
+    plan({{moveIn, creation}, {moveIn, Fault{5}}});
+    EXPECT_FALSE(installWithBackup("C:/Game", "C:/New", "C:/Backup", {}, {"b"}, error));
+    EXPECT_EQ(contentOfFile("C:/Game/b"), "somebody else's");
+}
+
 TEST_F(InstallWithBackupTest, AStatusThatCannotBeToldNamesTheQuery) {
     const std::pair<std::size_t, std::string> queries[] = {{0, "filesystem error: exists: "},
                                                            {1, "filesystem error: status: "}};

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/failure.h"
 #include "tests/simulation/explorer/invariants.h"
 #include "update/timetable.h"
 
@@ -11,10 +10,6 @@ namespace {
 
 const std::wstring kPreparingCompleteText(timetable::preparingCompletePackage.text);
 const std::wstring kCheckingInstalledText(timetable::checkingInstalledFiles.text);
-
-bool isNotFound(std::uint32_t error) {
-    return update::isNotFound(failureOf(error));
-}
 
 bool isClosing(const Call& call) {
     switch (call.operation) {
@@ -86,7 +81,8 @@ bool isEndOrPart(const Outcome& outcome, const Call& call) {
 bool isVanished(const Outcome&, const Call& call) {
     const bool isRemoval = call.operation == Operation::deleteFile || call.operation == Operation::removeEmptyFolder ||
                            call.operation == Operation::listFolder;
-    return isRemoval && isNotFound(call.result) && isAtOrBelow(treeKeyOf(call.subject), treeKeyOf(place::kWorkFolder));
+    return isRemoval && error::saysNothingIsThere(call.result) &&
+           isAtOrBelow(treeKeyOf(call.subject), treeKeyOf(place::kWorkFolder));
 }
 
 /// A removal that was refused and went well when it was tried again without the read-only attribute.
@@ -110,7 +106,7 @@ bool isFlush(const Outcome&, const Call& call) {
 }
 
 bool isFinalName(const Outcome&, const Call& call) {
-    return call.operation == Operation::openForItsName && isNotFound(call.result);
+    return call.operation == Operation::openForItsName && error::saysNothingIsThere(call.result);
 }
 
 }  // namespace

@@ -32,7 +32,7 @@ public:
     explicit ExpectedRun(const Setting& setting)
         : setting_(setting),
           isOverHttps_(setting.way == Way::incrementalOverHttps || setting.way == Way::completeOverHttps),
-          packageBytes_(offerOf(setting.releases.offered, unlistedFiles(setting.way)).package.size()) {
+          packageBytes_(offerOf(setting.releases, setting.way).package.size()) {
         begin();
     }
 
@@ -140,7 +140,7 @@ private:
 
     void downloadPackage() {
         constexpr StepRange range = timetable::downloadingPackage;
-        const std::uint64_t chunk = Answer().chunkBytes;
+        const std::uint64_t chunk = kChannelChunkBytes;
         steps.push_back(lineOf(std::wstring(timetable::downloadingRelease) + L"0.9.3 alpha...", range.first));
         request(packageAddress());
         for (std::uint64_t received = 0; received < packageBytes_;) {
@@ -160,14 +160,14 @@ private:
             step(timetable::copyingLocalPackage);
         if (setting_.way == Way::longPackage) return false;
         step(timetable::verifyingPackage);
-        if (setting_.way == Way::damagedPackage) return false;
+        if (setting_.way == Way::damagedPackage || setting_.way == Way::noArchiveTool) return false;
         step(timetable::inspectingPackage);
         runTool(" \"-tf\" " + package, setting_.way == Way::talkativeTool);
         if (setting_.way == Way::talkativeTool || setting_.way == Way::escapingFile) return false;
         step(timetable::unpackingPackage);
         runTool(" \"-xf\" " + package + " \"-C\" " + inQuotes(place::kStaging), false);
         report = "mode=full\r\nbytes=" + std::to_string(packageBytes_) + "\r\n";
-        return setting_.way != Way::unlistedFile;
+        return setting_.way != Way::unlistedFile && setting_.way != Way::lackingFile;
     }
 
     const Setting& setting_;
@@ -240,6 +240,22 @@ std::size_t countOf(const Outcome& outcome, Operation operation) {
                                                   [=](const Call& call) { return call.operation == operation; }));
 }
 
+/// Number of the first such call about a path; the number of all calls when there is none.
+std::size_t firstCall(const Outcome& outcome, Operation operation, std::string_view path) {
+    const auto found = std::find_if(outcome.calls.begin(), outcome.calls.end(), [=](const Call& call) {
+        return call.operation == operation && treeKeyOf(call.subject) == treeKeyOf(path);
+    });
+    return static_cast<std::size_t>(found - outcome.calls.begin());
+}
+
+// The list has to be on the disk before the installation holds it. Later is too late when the power goes in between.
+void compareFlush(const Outcome& outcome, Comparison& comparison) {
+    const std::string list = std::string(place::kStaging) + "/" + std::string(kManagedFileListName);
+    const std::size_t moved = firstCall(outcome, Operation::moveFile, list);
+    if (moved < outcome.calls.size() && firstCall(outcome, Operation::flushFile, list) > moved)
+        comparison.broken("the list should be flushed before it is moved in");
+}
+
 void compareCalls(const Outcome& outcome, Comparison& comparison) {
     for (const Call& call : outcome.calls) {
         const auto* const expected =
@@ -272,6 +288,7 @@ std::vector<Breach> brokenExpectations(const Outcome& outcome) {
     if (!expected.report.empty() && reportOf(outcome) != expected.report)
         comparison.broken("the report should be " + expected.report + ", not " + reportOf(outcome));
     compareCalls(outcome, comparison);
+    compareFlush(outcome, comparison);
     return std::move(comparison.breaches);
 }
 

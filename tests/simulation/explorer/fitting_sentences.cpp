@@ -13,7 +13,15 @@ constexpr std::string_view kNotFinished = "Windows could not finish SHA-256 veri
 constexpr std::string_view kNotCaptured = "Unable to capture the archive tool output.";
 constexpr std::string_view kNotInspected = "Unable to inspect the extracted update.";
 
+constexpr std::string_view kPackage = "C:/Games/Kelvane/.kvn-update/package.zip";
+constexpr std::string_view kNoTool =
+    "This Windows installation does not provide tar.exe. Windows 10 version 1803 or newer is required.";
+
 constexpr FittingSentence kSentences[] = {
+    {Operation::createToWrite, L"", kPackage, 15, "Unable to create the temporary update archive."},
+    {Operation::writeBytes, L"", kPackage, 15, "Unable to store the downloaded update."},
+    {Operation::closeFile, L"", kPackage, 15, "Unable to finish the temporary update archive."},
+    {Operation::copyFile, timetable::copyingLocalPackage.text, "", 16, "Unable to stage the local update package."},
     {Operation::openSha256, timetable::verifyingPackage.text, "", 18, kNoStart},
     {Operation::digestMemorySize, timetable::verifyingPackage.text, "", 18, kNoStart},
     {Operation::beginDigest, timetable::verifyingPackage.text, "", 18,
@@ -23,6 +31,7 @@ constexpr FittingSentence kSentences[] = {
     {Operation::readBytes, timetable::verifyingPackage.text, "", 18, kNotFinished},
     {Operation::finishDigest, timetable::verifyingPackage.text, "", 18, kNotFinished},
     {Operation::systemFolder, timetable::verifyingPackage.text, "", 19, "Unable to locate the Windows archive tool."},
+    {Operation::entryFacts, timetable::verifyingPackage.text, "C:/Windows/System32", 20, kNoTool},
     {Operation::openPipe, timetable::inspectingPackage.text, "", 21, kNotCaptured},
     {Operation::openPipe, timetable::unpackingPackage.text, "", 22, kNotCaptured},
     {Operation::listFolder, timetable::unpackingPackage.text, place::kStaging, 24, kNotInspected},
@@ -54,7 +63,7 @@ const FittingSentence* fittingSentenceOf(const Outcome& outcome) {
     if (harmed == outcome.calls.end()) return nullptr;
     const std::wstring_view step = stepOf(outcome, *harmed);
     const auto found = std::find_if(std::begin(kSentences), std::end(kSentences), [&](const FittingSentence& fitting) {
-        return fitting.operation == harmed->operation && fitting.step == step &&
+        return fitting.operation == harmed->operation && (fitting.step.empty() || fitting.step == step) &&
                (fitting.below.empty() || isAtOrBelow(treeKeyOf(harmed->subject), treeKeyOf(fitting.below)));
     });
     return found == std::end(kSentences) ? nullptr : found;

@@ -10,8 +10,8 @@ namespace vorthmere::update::simulation {
 /// The sentence that a run must show when a certain call of a certain step fails. No other documented one will do.
 struct FittingSentence {
     Operation operation;
-    std::wstring_view step;  ///< the last one that was reported before the call
-    std::string_view below;  ///< the call is about a path in this folder; empty: about anything
+    std::wstring_view step;  ///< the last one that was reported before the call; empty: any
+    std::string_view below;  ///< the call is about this path or one below; empty: about anything
     int code;
     std::string_view sentence;
 };

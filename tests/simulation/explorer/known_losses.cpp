@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/failure.h"
 #include "tests/simulation/explorer/aftermath.h"
 #include "tests/simulation/explorer/way_back.h"
 
@@ -50,7 +49,7 @@ bool isOverlooked(const Outcome& outcome, const Breach& breach) {
     return std::any_of(outcome.calls.begin(), outcome.calls.end(), [&](const Call& call) {
         return call.number >= first && (call.isHarmed || isAway) &&
                (call.operation == Operation::entryFacts || call.operation == Operation::targetFacts) &&
-               isNotFound(failureOf(call.result)) && isSamePlace(call.subject, breach.subject);
+               error::saysNothingIsThere(call.result) && isSamePlace(call.subject, breach.subject);
     });
 }
 

@@ -64,11 +64,12 @@ Release releaseOf(std::uint32_t number, std::vector<ReleaseFile> files) {
     return {number, std::move(files)};
 }
 
-Offer offerOf(const Release& release, const std::vector<ReleaseFile>& unlisted) {
+Offer offerOf(const Release& release, const std::vector<ReleaseFile>& unlisted, std::string_view lacking) {
     Offer offer;
     std::vector<PackagedEntry> entries;
     for (const ReleaseFile& file : release.files)
-        entries.push_back({.name = file.path, .content = file.content, .isReadOnly = file.isReadOnly});
+        if (file.path != lacking)
+            entries.push_back({.name = file.path, .content = file.content, .isReadOnly = file.isReadOnly});
     for (const ReleaseFile& file : unlisted)
         entries.push_back({.name = file.path, .content = file.content, .isReadOnly = file.isReadOnly});
     offer.package = packageOf(entries);
@@ -102,6 +103,7 @@ void putChannel(Machine& machine, const Offer& offer) {
     const auto answer = [&machine](const std::string& address, const std::string& body) {
         Answer given;
         given.body = contentOf(body);
+        given.chunkBytes = kChannelChunkBytes;
         machine.internet.answers[address] = std::move(given);
     };
     const std::size_t url = offer.manifest.find("url=") + 4;
@@ -134,7 +136,7 @@ ReleasePair sampleReleases() {
                                      {"Docs/ReadMe.txt", "readme of 42"},
                                      {"data/changed.pak", "changed of 42"},
                                      {"data/kept.pak", "the same in both", true},
-                                     {"data/levels/new.pak", "new of 42"},
+                                     {"data/levels/north/new.pak", "new of 42"},
                                      {"mods/base.pak", "base of 42"},
                                      {"players.cfg", "defaults of 42"},
                                  }),

@@ -43,7 +43,9 @@ struct Offer {
 };
 
 /// @param unlisted files that the package holds besides, and no list names
-[[nodiscard]] Offer offerOf(const Release& release, const std::vector<ReleaseFile>& unlisted = {});
+/// @param lacking  path of a file that the package does not hold, though the list names it
+[[nodiscard]] Offer offerOf(const Release& release, const std::vector<ReleaseFile>& unlisted = {},
+                            std::string_view lacking = {});
 
 /// The folders of every scenario.
 namespace place {
@@ -61,6 +63,9 @@ void putFiles(Machine& machine, std::string_view folder, const std::vector<Relea
 /// Lays an offer out as local files in place::kOffer: "manifest", "package.zip", "inventory", "objects/".
 void putLocalOffer(Machine& machine, const Offer& offer);
 
+/// The most that the channel gives at once: a package takes several reads, a changed file one.
+inline constexpr std::size_t kChannelChunkBytes = 512;
+
 /// Lets the release channel answer with an offer.
 void putChannel(Machine& machine, const Offer& offer);
 
@@ -72,8 +77,9 @@ struct ReleasePair {
     std::vector<std::string> emptyFolders;  ///< relative
 };
 
-/// A small game whose next release changes, adds, drops and keeps a file, moves one to a new folder, writes one in
-/// other letters and turns a file into a folder; a player has files beside them and where a new one goes.
+/// A small game whose next release changes, adds, drops and keeps a file, puts one into a new folder within a new
+/// folder, writes one in other letters and turns a file into a folder; a player has files beside them and where a new
+/// one goes.
 [[nodiscard]] ReleasePair sampleReleases();
 
 /// The same without what cannot be swapped back when the new game does not start: a file that becomes a folder, a name

@@ -41,6 +41,8 @@ constexpr std::array<WayFacts, kWays> kWayFacts = {{
     {"incremental, without a running game or a relaunch", 0},
     {"already current, without a relaunch", 0},
     {"complete package with a file that would leave its folder", 21},
+    {"complete package that lacks a file of its list", 24},
+    {"complete package, and the archive tool is missing", 20},
 }};
 
 constexpr std::string_view kGame = "C:/Games/Kelvane/Vorthmere.exe";
@@ -119,6 +121,8 @@ void prepare(Machine& machine, Way way, const ReleasePair& releases) {
         case Way::talkativeTool:
             machine.processes.archiveTool.alsoPrintsBytes = kTooMuchOutput;
             return;
+        case Way::noArchiveTool:
+            return machine.files.erase("C:/Windows/System32/tar.exe");
         case Way::linkedFolder:
             machine.files.erase(installation + "/data");
             return machine.files.putReparsePoint(installation + "/data", tag::junction, "C:/Elsewhere/data", true);
@@ -142,10 +146,11 @@ std::string_view nameOf(Way way) {
     return kWayFacts[static_cast<std::size_t>(way)].name;
 }
 
-std::vector<ReleaseFile> unlistedFiles(Way way) {
-    if (way == Way::unlistedFile) return {{"data/unlisted.pak", "in no list"}};
-    if (way == Way::escapingFile) return {{"../escaped.pak", "out of the folder"}};
-    return {};
+Offer offerOf(const ReleasePair& releases, Way way) {
+    if (way == Way::unlistedFile) return offerOf(releases.offered, {{"data/unlisted.pak", "in no list"}});
+    if (way == Way::escapingFile) return offerOf(releases.offered, {{"../escaped.pak", "out of the folder"}});
+    if (way == Way::lackingFile) return offerOf(releases.offered, {}, kReleaseMarkerName);
+    return offerOf(releases.offered);
 }
 
 bool hasNoInventory(Way way) {
@@ -157,6 +162,8 @@ bool hasNoInventory(Way way) {
         case Way::unlistedFile:
         case Way::longPackage:
         case Way::escapingFile:
+        case Way::lackingFile:
+        case Way::noArchiveTool:
             return true;
         default:
             return false;
@@ -183,7 +190,7 @@ SettingPointer settingOf(ReleasePair releases, Way way, Profile profile, bool ha
     machine.files.putReparsePoint(std::string(place::kStaging) + "/planted", tag::junction,
                                   std::string(place::kElsewhere), true);
     putSurroundings(machine, releases);
-    const Offer offer = offerOf(releases.offered, unlistedFiles(way));
+    const Offer offer = offerOf(releases, way);
     if (isLocal(way))
         putLocalOffer(machine, offer);
     else

@@ -37,8 +37,10 @@ enum class Way : std::uint8_t {
     noRelaunch,            ///< incremental; the game does not run and is left closed
     currentNoRelaunch,     ///< nothing newer is offered, and the game is left closed
     escapingFile,          ///< the local package holds a file that would leave its folder
+    lackingFile,           ///< the local package lacks a file that its list names
+    noArchiveTool,         ///< the local package, on a Windows without tar.exe
 };
-inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::escapingFile) + 1;
+inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::noArchiveTool) + 1;
 
 [[nodiscard]] constexpr bool isCurrent(Way way) {
     return way == Way::current || way == Way::currentNoRelaunch;
@@ -47,8 +49,8 @@ inline constexpr std::size_t kWays = static_cast<std::size_t>(Way::escapingFile)
 /// The number of the first ways, on which most happens. Each of the others differs in one step.
 inline constexpr std::size_t kMainWays = static_cast<std::size_t>(Way::relaunchFails) + 1;
 
-/// Files that the package of this way holds and its list does not name.
-[[nodiscard]] std::vector<ReleaseFile> unlistedFiles(Way way);
+/// What this way offers of the releases.
+[[nodiscard]] Offer offerOf(const ReleasePair& releases, Way way);
 
 /// True when the complete package is the only way that is offered.
 [[nodiscard]] bool hasNoInventory(Way way);

@@ -125,8 +125,11 @@ TEST(SimulatedProcesses, TellWhatTheCallerLeftOpen) {
     HandleId writeEnd = 0;
     ASSERT_EQ(machine.files.openToRead("plain", file), 0U);
     ASSERT_EQ(machine.processes.openPipe(readEnd, writeEnd), 0U);
-    EXPECT_THAT(machine.openHandles(), ElementsAre("plain", "the read end of a pipe", "the write end of a pipe"));
-    EXPECT_THAT(machine.endCaller().size(), 3U);
+    ASSERT_NE(machine.internet.openSession(), 0U);
+    ASSERT_NE(machine.digests.openProvider(), 0U);
+    EXPECT_THAT(machine.openHandles(), ElementsAre("plain", "the read end of a pipe", "the write end of a pipe",
+                                                   "a session", "the SHA-256 provider"));
+    EXPECT_THAT(machine.endCaller().size(), 5U);
     EXPECT_THAT(machine.openHandles(), IsEmpty());
     EXPECT_EQ(machine.files.deleteFile("C:/Desk/plain"), 0U);
 }
