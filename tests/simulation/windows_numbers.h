@@ -52,6 +52,8 @@ inline constexpr Error connectionBroken = 12030;
 inline constexpr Error wrongHandleType = 12018;
 inline constexpr Error wrongHandleState = 12019;
 inline constexpr Error headerNotFound = 12150;
+inline constexpr Error redirectFailed = 12156;
+inline constexpr Error secureFailure = 12175;
 }  // namespace error
 
 /// File attributes.
