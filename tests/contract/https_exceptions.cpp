@@ -1,0 +1,23 @@
+#include "tests/contract/exceptions.h"
+
+namespace vorthmere::update::contract {
+namespace {
+
+constexpr std::string_view kEveryHandshake = "Wine has one number for every handshake that fails";
+
+constexpr WineException kExceptions[] = {
+    {"a length of more than 32 bits is not told", 0, "", "Wine tells the largest number that it can"},
+    {"a lost connection is no end of a body", 0, "012345", "Wine takes every end of the connection for the body's"},
+    {"a certificate for another name is refused", 12157, "", kEveryHandshake},
+    {"a certificate of an unknown authority is refused", 12157, "", kEveryHandshake},
+    {"the wait for an answer has an end", 12152, "", "Wine waits until the server ends it"},
+    {"the wait for the rest of a body has an end", 10060, "012345", "Wine tells the number of the sockets"},
+};
+
+}  // namespace
+
+std::span<const WineException> wineExceptions() {
+    return kExceptions;
+}
+
+}  // namespace vorthmere::update::contract
