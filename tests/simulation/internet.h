@@ -75,6 +75,7 @@ public:
     void closeAllHandles();
 
 private:
+    static constexpr std::uint16_t kHttpsPort = 443;
     static constexpr std::uint64_t kDefaultReceiveMs = 30000;
     enum class Kind { session, connection, request };
     struct Handle {
