@@ -25,7 +25,7 @@ from fault_answer import Answer  # noqa: E402
 from faulty_host import FaultyHost  # noqa: E402
 
 # Longer than the receive time-out of a test that waits for it to end.
-SILENCE = 1.5
+SILENCE = 2
 TRUSTED, WRONG_NAME, UNKNOWN_AUTHORITY = "127.0.0.1", "127.0.0.2", "127.0.0.3"
 
 
