@@ -4,6 +4,7 @@ namespace vorthmere::update::contract {
 namespace {
 
 constexpr std::string_view kEveryHandshake = "Wine has one number for every handshake that fails";
+constexpr std::string_view kSocketNumber = "Wine tells the number of the sockets";
 constexpr std::string_view kEmptyAnswer = "Wine treats an answer that is not there as an empty one";
 
 constexpr WineException kExceptions[] = {
@@ -12,7 +13,8 @@ constexpr WineException kExceptions[] = {
     {"a certificate for another name is refused", 12157, "", kEveryHandshake},
     {"a certificate of an unknown authority is refused", 12157, "", kEveryHandshake},
     {"the wait for an answer has an end", 12152, "", "Wine waits until the server ends it"},
-    {"the wait for the rest of a body has an end", 10060, "012345", "Wine tells the number of the sockets"},
+    {"the wait for the rest of a body has an end", 10060, "012345", kSocketNumber},
+    {"a reading has an end", 10060, "", kSocketNumber},
     {"an unsent request has no bytes", 0, "", kEmptyAnswer},
     {"an unsent request is not read", 0, "", kEmptyAnswer},
 };

@@ -211,15 +211,24 @@ TEST_F(HttpsContract, ACertificateThatProvesNothingFailsTheSending) {
         follows(*world, "a certificate of an unknown authority is refused", sending(Host::unknownAuthority), 12175));
 }
 
-TEST_F(HttpsContract, ASilentServerFailsTheWaitingAfterTheReceiveTimeout) {
+TEST_F(HttpsContract, AMuteServerFailsTheWaitingAfterTheReceiveTimeout) {
     const Request mute = requestFor({.isMute = true}, kImpatientMs);
     EXPECT_TRUE(sendRequest(mute.request));
-    EXPECT_TRUE(follows(*world, "the wait for an answer has an end", failureOf(numberOf(receiveResponse(mute.request))),
-                        12002));
+    const std::uint32_t failure = numberOf(receiveResponse(mute.request));
+    EXPECT_TRUE(follows(*world, "the wait for an answer has an end", failureOf(failure), 12002));
+}
 
-    const Request stalled = requestFor({.text = "0123456789", .sentBytes = 6, .ending = Ending::silent}, kImpatientMs);
-    EXPECT_EQ(perform(stalled), 0u);
-    EXPECT_TRUE(follows(*world, "the wait for the rest of a body has an end", restOf(stalled), {12002, "012345"}));
+TEST_F(HttpsContract, ABodyThatStallsFailsTheReadingAfterTheReceiveTimeout) {
+    const Request asked = requestFor({.text = "0123456789", .sentBytes = 6, .ending = Ending::silent}, kImpatientMs);
+    EXPECT_EQ(perform(asked), 0u);
+    EXPECT_TRUE(follows(*world, "the wait for the rest of a body has an end", restOf(asked), {12002, "012345"}));
+
+    const Request read = requestFor({.text = "0123456789", .sentBytes = 0, .ending = Ending::silent}, kImpatientMs);
+    EXPECT_EQ(perform(read), 0u);
+    char byte = 0;
+    std::uint32_t count = 0;
+    const std::uint32_t failure = numberOf(readData(read.request, &byte, 1, count));
+    EXPECT_TRUE(follows(*world, "a reading has an end", failureOf(failure), 12002));
 }
 
 TEST_F(HttpsContract, AHeaderArrivesAndReplacesTheOneOfItsName) {
