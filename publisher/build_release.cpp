@@ -120,8 +120,7 @@ private:
                 continue;
             }
             if (!error.empty()) error += '\n';
-            error += change +
-                     " Use another name, or give --allow-folder-changes if nobody has that release any more.";
+            error += change + " Use another name, or give --allow-folder-changes if nobody has that release any more.";
         }
         return error.empty();
     }

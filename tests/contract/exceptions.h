@@ -10,7 +10,7 @@ namespace vorthmere::update::contract {
 struct WineException {
     std::string_view rule;        ///< as the test names it
     std::uint32_t wineGives;      ///< Windows' number, 0 for success
-    std::string_view wineLeaves;  ///< the tree afterwards, where the test looks at it
+    std::string_view wineLeaves;  ///< the tree afterwards, or what was read, where the test looks at it
     std::string_view reason;
     bool isNeededByRootAlone = false;  ///< Wine keeps the rule when another user runs it
 };

@@ -11,7 +11,7 @@
 
 namespace vorthmere::update::contract {
 
-/// What a call returned, and the tree that it left.
+/// What a call returned, and the tree that it left, or the bytes that it read.
 struct Outcome {
     std::uint32_t number = 0;  ///< Windows' error; 0 for success
     std::string tree = {};     ///< empty when the test does not look

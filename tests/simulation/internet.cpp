@@ -1,7 +1,6 @@
 #include "tests/simulation/internet.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
 
 #include "tests/simulation/names.h"
@@ -9,39 +8,24 @@
 namespace vorthmere::update::simulation {
 namespace {
 
-constexpr std::uint16_t kHttpsPort = 443;
-constexpr std::uint16_t kHttpPort = 80;
+constexpr int kMostRedirects = 10;
 
-/// @return false when the text is no port
-bool takePort(std::string_view text, std::uint16_t& port) {
-    const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), port);
-    return failure == std::errc{} && end == text.data() + text.size();
+/// The name in a header line, as it is compared.
+std::string headerName(std::string_view line) {
+    return keyOf(line.substr(0, line.find(':')));
+}
+
+/// The value in a header line "name: value CR LF".
+std::string headerValue(std::string_view line) {
+    line.remove_prefix(std::min(line.find_first_not_of(": ", line.find(':')), line.size()));
+    return std::string(line.substr(0, line.find("\r\n")));
+}
+
+bool isRedirect(const Answer& answer) {
+    return answer.status >= 300 && answer.status < 400 && !answer.location.empty();
 }
 
 }  // namespace
-
-bool Internet::crack(std::string_view address, Address& parts) {
-    parts = Address();
-    const std::size_t colon = address.find("://");
-    if (colon == std::string_view::npos) return false;
-    const std::string scheme = keyOf(address.substr(0, colon));
-    if (scheme != "HTTPS" && scheme != "HTTP") return false;
-    parts.isHttps = scheme == "HTTPS";
-    parts.port = parts.isHttps ? kHttpsPort : kHttpPort;
-    std::string_view rest = address.substr(colon + 3);
-    const std::size_t hostEnd = std::min(rest.find_first_of("/?#"), rest.size());
-    std::string_view host = rest.substr(0, hostEnd);
-    rest.remove_prefix(hostEnd);
-    if (const std::size_t port = host.find(':'); port != std::string_view::npos) {
-        if (!takePort(host.substr(port + 1), parts.port)) return false;
-        host = host.substr(0, port);
-    }
-    parts.host = host;
-    const std::size_t pathEnd = std::min(rest.find_first_of("?#"), rest.size());
-    parts.path = rest.substr(0, pathEnd);
-    parts.extraInfo = rest.substr(pathEnd);
-    return true;
-}
 
 bool Internet::fail(Error error) {
     lastError = error;
@@ -70,10 +54,16 @@ HandleId Internet::openSession() {
     return add(std::move(session));
 }
 
+void Internet::setReceiveTimeout(HandleId session, std::uint64_t receiveMs) {
+    if (Handle* handle = find(session, Kind::session)) handle->receiveMs = receiveMs;
+}
+
 HandleId Internet::connectTo(HandleId session, std::string_view host, std::uint16_t port) {
-    if (find(session, Kind::session) == nullptr) return 0;
+    const Handle* parent = find(session, Kind::session);
+    if (parent == nullptr) return 0;
     Handle connection;
     connection.kind = Kind::connection;
+    connection.receiveMs = parent->receiveMs;
     connection.address = "https://" + std::string(host);
     if (port != kHttpsPort) connection.address += ":" + std::to_string(port);
     return add(std::move(connection));
@@ -84,6 +74,7 @@ HandleId Internet::createSecureGet(HandleId connection, std::string_view objectN
     if (host == nullptr) return 0;
     Handle request;
     request.kind = Kind::request;
+    request.receiveMs = host->receiveMs;
     request.address = host->address + std::string(objectName);
     request.request.address = request.address;
     return add(std::move(request));
@@ -94,29 +85,54 @@ void Internet::disableRedirects(HandleId request) {
 }
 
 void Internet::setHeader(HandleId request, std::string_view line) {
-    if (Handle* handle = find(request, Kind::request)) handle->request.headers.emplace_back(line);
+    Handle* handle = find(request, Kind::request);
+    if (handle == nullptr) return;
+    std::erase_if(handle->request.headers,
+                  [name = headerName(line)](const std::string& known) { return headerName(known) == name; });
+    handle->request.headers.emplace_back(line);
+}
+
+Answer Internet::answerTo(const SentRequest& request) const {
+    const auto known = answers.find(request.address);
+    if (known == answers.end()) {
+        Answer unknown;
+        unknown.status = 404;
+        return unknown;
+    }
+    Answer answer = known->second;
+    const auto repeated = std::find_if(
+        request.headers.begin(), request.headers.end(),
+        [name = keyOf(answer.repeatedHeader)](const std::string& line) { return headerName(line) == name; });
+    if (repeated != request.headers.end()) answer.body = contentOf(headerValue(*repeated));
+    return answer;
+}
+
+bool Internet::ask(Handle& request) {
+    sent.push_back(request.request);
+    if (channelError != error::none) return fail(channelError);
+    request.answer = answerTo(request.request);
+    request.isSent = true;
+    return request.answer.sendError == error::none || fail(request.answer.sendError);
 }
 
 bool Internet::send(HandleId request) {
     Handle* handle = find(request, Kind::request);
-    if (handle == nullptr) return false;
-    sent.push_back(handle->request);
-    if (channelError != error::none) return fail(channelError);
-    const auto known = answers.find(handle->address);
-    if (known == answers.end())
-        handle->answer.status = 404;
-    else
-        handle->answer = known->second;
-    handle->isSent = true;
-    return handle->answer.sendError == error::none || fail(handle->answer.sendError);
+    return handle != nullptr && ask(*handle);
 }
 
 bool Internet::receive(HandleId request, std::uint64_t& nowMs) {
     Handle* handle = find(request, Kind::request);
     if (handle == nullptr) return false;
     if (!handle->isSent) return fail(error::wrongHandleState);
-    nowMs += handle->answer.waitMs;
-    if (handle->answer.answerError != error::none) return fail(handle->answer.answerError);
+    const Answer& answer = handle->answer;
+    nowMs += std::min(answer.waitMs, handle->receiveMs);
+    if (answer.waitMs > handle->receiveMs) return fail(error::timedOut);
+    if (answer.answerError != error::none) return fail(answer.answerError);
+    if (handle->request.followsRedirects && isRedirect(answer)) {
+        if (++handle->redirects > kMostRedirects) return fail(error::redirectFailed);
+        handle->request.address = answer.location;
+        return ask(*handle) && receive(request, nowMs);
+    }
     handle->isAnswered = true;
     return true;
 }

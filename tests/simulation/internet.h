@@ -24,7 +24,9 @@ struct Answer {
     Error sendError = error::none;                     ///< of sending the request, for instance 12029
     Error answerError = error::none;                   ///< of waiting for the answer, for instance 12002
     Error bodyError = error::connectionBroken;
-    std::uint64_t waitMs = 0;  ///< until the answer comes
+    std::uint64_t waitMs = 0;         ///< until the answer comes; a wait beyond the receive time-out ends with 12002
+    std::string location = {};        ///< of a redirect: an address like those of Internet::answers
+    std::string repeatedHeader = {};  ///< when named, the body is what the request says in this header
 };
 
 /// A request that was sent, for tests to look at.
@@ -53,6 +55,8 @@ public:
     static bool crack(std::string_view address, Address& parts);
 
     HandleId openSession();
+    /// For the connections to come.
+    void setReceiveTimeout(HandleId session, std::uint64_t receiveMs);
     HandleId connectTo(HandleId session, std::string_view host, std::uint16_t port);
     HandleId createSecureGet(HandleId connection, std::string_view objectName);
     void disableRedirects(HandleId request);
@@ -71,20 +75,26 @@ public:
     void closeAllHandles();
 
 private:
+    static constexpr std::uint16_t kHttpsPort = 443;
+    static constexpr std::uint64_t kDefaultReceiveMs = 30000;
     enum class Kind { session, connection, request };
     struct Handle {
         HandleId id = 0;
         Kind kind = Kind::session;
         std::string address;
+        std::uint64_t receiveMs = kDefaultReceiveMs;
         SentRequest request;
         bool isSent = false;
         bool isAnswered = false;
         Answer answer;
         std::uint64_t position = 0;
+        int redirects = 0;
     };
     Handle* find(HandleId id, Kind kind);
     Handle* answered(HandleId request);
     HandleId add(Handle handle);
+    [[nodiscard]] Answer answerTo(const SentRequest& request) const;
+    bool ask(Handle& request);
     bool fail(Error error);
 
     std::vector<Handle> handles_;

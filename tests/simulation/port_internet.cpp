@@ -62,7 +62,10 @@ InternetHandle openSession(const wchar_t* userAgent) {
 void setTimeouts(const InternetHandle& session, const InternetTimeouts& timeouts) {
     const std::string text = std::to_string(timeouts.resolve) + " " + std::to_string(timeouts.connect) + " " +
                              std::to_string(timeouts.send) + " " + std::to_string(timeouts.receive) + " ms";
-    (void)passWhole(Operation::setTimeouts, nameOfHandle(session.get()), text, [](Machine&) { return error::none; });
+    (void)passWhole(Operation::setTimeouts, nameOfHandle(session.get()), text, [&](Machine& machine) {
+        machine.internet.setReceiveTimeout(toId(session.get()), static_cast<std::uint64_t>(timeouts.receive));
+        return error::none;
+    });
 }
 
 InternetHandle connectTo(const InternetHandle& session, const std::wstring& host, std::uint16_t port) {

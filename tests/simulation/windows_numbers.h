@@ -52,6 +52,8 @@ inline constexpr Error connectionBroken = 12030;
 inline constexpr Error wrongHandleType = 12018;
 inline constexpr Error wrongHandleState = 12019;
 inline constexpr Error headerNotFound = 12150;
+inline constexpr Error redirectFailed = 12156;
+inline constexpr Error secureFailure = 12175;
 
 /// True for those that say that there is nothing at a path. They stand here again, so that a mistake in the program's
 /// own list is not one of its judges, too.

@@ -7,7 +7,8 @@ class Answer:
         self.status = int(values.pop("status", 200))
         self.location = values.pop("location", None)
         body = values.pop("body", None)
-        self.body = open(body, "rb").read() if body else b""
+        text = values.pop("text", "").encode("latin-1") * int(values.pop("times", 1))
+        self.body = open(body, "rb").read() if body else text
         self.length = values.pop("length", str(len(self.body)))
         self.chunked = values.pop("chunked", "no") == "yes"
         self.silent = values.pop("head", "") == "stall"

@@ -10,7 +10,9 @@ stands in quotation marks. The server ends with its input.
   answer PATH [KEY=VALUE...]  Expects one more request for PATH and says how it is answered:
       status=N      status code (200)
       location=URL  a Location header
-      body=FILE     the body (none)
+      body=FILE     the body (none), or ...
+      text=TEXT     ... the body itself, in Latin-1, ...
+      times=N       ... so many times
       length=N      what Content-Length claims; "none" leaves the header out (default: the body's true length)
       chunked=yes   the body in chunks and no Content-Length
       head=stall    nothing is ever answered

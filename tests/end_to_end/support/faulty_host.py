@@ -12,7 +12,7 @@ HEAD_LIMIT = 65536
 
 
 class FaultyHost:
-    def __init__(self, certificates, port):
+    def __init__(self, certificates, port, address="127.0.0.1"):
         self.certificates = certificates
         self.handshake = "complete"
         self.expected = collections.defaultdict(collections.deque)
@@ -22,7 +22,7 @@ class FaultyHost:
         self.changed = threading.Condition()
         self.use_certificate("good")
         self.renew_release()
-        self.listener = socket.create_server(("127.0.0.1", port), backlog=128)
+        self.listener = socket.create_server((address, port), backlog=128)
         threading.Thread(target=self.accept_all, daemon=True).start()
 
     def use_certificate(self, name):
