@@ -4,8 +4,8 @@ namespace vorthmere::update {
 
 constexpr std::string_view kDownloadBaseUrl = KVN_DOWNLOAD_BASE_URL;
 
-static_assert(kDownloadBaseUrl.starts_with("https://"), "The release channel is served over HTTPS only.");
-static_assert(kDownloadBaseUrl.ends_with("/downloads/"), "The release channel's address ends in /downloads/.");
+static_assert(kDownloadBaseUrl.starts_with("https://"));
+static_assert(kDownloadBaseUrl.ends_with("/downloads/"));
 
 namespace {
 
