@@ -15,9 +15,9 @@
 #include "tests/end_to_end/support/channel.h"
 #include "tests/end_to_end/support/channel_run.h"
 #include "tests/end_to_end/support/channel_sentences.h"
+#include "tests/end_to_end/support/digest.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/sample_release.h"
-#include "tests/support/sha256.h"
 #include "update/file_inventory.h"
 #include "update/limits.h"
 #include "update/manifest.h"
@@ -237,7 +237,7 @@ TEST_F(ChannelFaultTest, APackageThatDiffersFromItsManifestEndsTheRun) {
     for (const Case& item : cases) {
         ChannelRun& run = newRun(item.fault.name);
         run.manifest.size = std::to_string(package.size());
-        run.manifest.sha256 = update::testing::sha256TextOf(package);
+        run.manifest.sha256 = sha256TextOf(package);
         serveManifest(run);
         serve(run.inventoryName(), "status=404");
         serve(run.packageName(), item.fault.how + body(item.content));

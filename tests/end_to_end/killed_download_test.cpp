@@ -10,12 +10,12 @@ protected:
 };
 
 TEST_F(KilledDownloadTest, OfSingleFiles) {
-    killRuns(Source::channel, Clock::run, 8);
+    killRuns(Source::channel, Clock::run, 5);
 }
 
 TEST_F(KilledDownloadTest, OfTheCompletePackage) {
     std::filesystem::remove(scenario.release.inventory);
-    killRuns(Source::channel, Clock::run, 8);
+    killRuns(Source::channel, Clock::run, 5);
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 #include "tests/end_to_end/support/release_texts.h"
+#include "tests/end_to_end/support/digest.h"
 
 #include <algorithm>
 
-#include "tests/support/sha256.h"
 #include "update/release_channel.h"
 
 namespace vorthmere::end_to_end {
@@ -11,7 +11,7 @@ ManifestText manifestOf(const std::string& packageBytes, std::uint32_t release) 
     ManifestText manifest;
     manifest.release = std::to_string(release);
     manifest.size = std::to_string(packageBytes.size());
-    manifest.sha256 = update::testing::sha256TextOf(packageBytes);
+    manifest.sha256 = sha256TextOf(packageBytes);
     manifest.url = std::string(update::kDownloadBaseUrl) + "KVN-release-" + manifest.release + ".zip";
     return manifest;
 }
@@ -26,13 +26,12 @@ std::string renderInventory(const ManifestText& manifest, const ReleaseFiles& fi
     std::string text = "KVN-FILES/1\narchive=" + manifest.sha256 + "\nrelease=" + manifest.release +
                        "\nprotocol=" + manifest.protocol + "\nversion=" + manifest.version + "\n";
     for (const auto& [path, file] : files)
-        text += path + "\t" + std::to_string(file.content.size()) + "\t" + update::testing::sha256TextOf(file.content) +
-                "\n";
+        text += path + "\t" + std::to_string(file.content.size()) + "\t" + sha256TextOf(file.content) + "\n";
     return text;
 }
 
 std::string objectName(const std::string& content) {
-    return update::objectName(update::testing::sha256TextOf(content));
+    return update::objectName(sha256TextOf(content));
 }
 
 std::string renderReleaseMarker(const ManifestText& manifest) {

@@ -5,8 +5,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "tests/end_to_end/support/digest.h"
 #include "tests/end_to_end/support/files.h"
-#include "tests/support/sha256.h"
 
 namespace vorthmere::end_to_end {
 namespace fs = std::filesystem;
@@ -26,7 +26,7 @@ TreeEntry describe(const fs::directory_entry& entry) {
             throw std::system_error(errno, std::generic_category(), entry.path().string());
         const std::string bytes = readFile(entry.path());
         described.kind = TreeEntry::Kind::file;
-        described.content = update::testing::sha256TextOf(bytes);
+        described.content = sha256TextOf(bytes);
         described.bytes = bytes.size();
         described.readOnly = isReadOnly(entry.path());
         described.changed = details.st_mtim.tv_sec * std::int64_t{1'000'000'000} + details.st_mtim.tv_nsec;
