@@ -140,7 +140,7 @@ private:
 
     void downloadPackage() {
         constexpr StepRange range = timetable::downloadingPackage;
-        const std::uint64_t chunk = kChannelChunkBytes;
+        const std::uint64_t chunk = kPackageChunkBytes;
         steps.push_back(lineOf(std::wstring(timetable::downloadingRelease) + L"0.9.3 alpha...", range.first));
         request(packageAddress());
         for (std::uint64_t received = 0; received < packageBytes_;) {

@@ -100,16 +100,15 @@ void putLocalOffer(Machine& machine, const Offer& offer) {
 }
 
 void putChannel(Machine& machine, const Offer& offer) {
-    const auto answer = [&machine](const std::string& address, const std::string& body) {
-        Answer given;
+    const auto answer = [&machine](const std::string& address, const std::string& body) -> Answer& {
+        Answer& given = machine.internet.answers[address];
         given.body = contentOf(body);
-        given.chunkBytes = kChannelChunkBytes;
-        machine.internet.answers[address] = std::move(given);
+        return given;
     };
     const std::size_t url = offer.manifest.find("url=") + 4;
     const std::string package = offer.manifest.substr(url, offer.manifest.find('\n', url) - url);
     answer(channelAddress(kManifestName), offer.manifest);
-    answer(package, offer.package);
+    answer(package, offer.package).chunkBytes = kPackageChunkBytes;
     answer(inventoryAddress(package), offer.inventory);
     for (const Offer::Object& object : offer.objects)
         answer(channelAddress(object.name), object.content);

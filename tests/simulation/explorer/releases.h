@@ -63,8 +63,8 @@ void putFiles(Machine& machine, std::string_view folder, const std::vector<Relea
 /// Lays an offer out as local files in place::kOffer: "manifest", "package.zip", "inventory", "objects/".
 void putLocalOffer(Machine& machine, const Offer& offer);
 
-/// The most that the channel gives at once: a package takes several reads, a changed file one.
-inline constexpr std::size_t kChannelChunkBytes = 512;
+/// The most that the channel gives of a package at once: a small one takes several reads, too.
+inline constexpr std::size_t kPackageChunkBytes = 512;
 
 /// Lets the release channel answer with an offer.
 void putChannel(Machine& machine, const Offer& offer);
