@@ -162,6 +162,19 @@ bool isLinkAfterTheTest(const Outcome& outcome, const Breach& breach) {
                        [&outcome](const PlannedAction& planned) { return isLater(outcome, planned); });
 }
 
+// The power goes after the new list could not be written through to the disk.
+
+bool isUnflushedList(const Outcome& outcome, const Breach& breach) {
+    const Plan& plan = outcome.scenario.plan;
+    const bool isPowerLost = std::any_of(plan.begin(), plan.end(), [](const PlannedAction& planned) {
+        return std::holds_alternative<PowerLoss>(planned.action);
+    });
+    const bool isUnflushed = std::any_of(outcome.calls.begin(), outcome.calls.end(), [](const Call& call) {
+        return call.operation == Operation::flushFile && call.result != 0;
+    });
+    return isInvariant(breach, '8') && isPowerLost && isUnflushed;
+}
+
 bool never(const Outcome&, const Breach&) {
     return false;
 }
@@ -315,6 +328,18 @@ const std::vector<KnownLoss>& knownLosses() {
         {"link after the test", "docs/failures.md",
          "A link that another program plants after its place was tested is followed.", isLinkAfterTheTest,
          [] { return happensIn(withLateLink(), isLinkAfterTheTest); }},
+        {"list that is not flushed", "README.md",
+         "When the new list cannot be written through to the disk and then the power goes, the list may be empty, and "
+         "updates end with 25 until the previous release is brought back by hand.",
+         isUnflushedList,
+         [] {
+             const Scenario calm = smallUpdate();
+             const std::size_t last = play(calm).calls.size() - 1;
+             return happensIn(calm.with(nthCall(Operation::flushFile, staged("KVN_MANAGED_FILES.txt"), 0),
+                                        Fault{error::accessDenied})
+                                  .with({std::nullopt, "", last}, PowerLoss{Extent::none, {Fate::drop}}),
+                              isUnflushedList);
+         }},
         {"status that is not known", "docs/failures.md",
          "A status that cannot be told ends the program; what was moved aside until then stays in the backup.", never,
          [] {
