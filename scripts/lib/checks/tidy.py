@@ -36,13 +36,13 @@ def _digest(names):
 
 
 def _write_joint_source(preset, folder, names):
-    """Writes a source that includes all sources of a folder, and a command for it: that of the source which defines most."""
+    """Writes a source that includes all sources of a folder, and a command for it: the folder's which defines most."""
     place = WORK / folder
     place.mkdir(parents=True, exist_ok=True)
     joint = place / "all.cpp"
     joint.write_text("".join(f'#include "{name}"  // NOLINT\n' for name in names))
     commands = json.loads((BUILD / preset / "compile_commands.json").read_text())
-    command = max((command for command in commands if command["file"] in {str(ROOT / name) for name in names}),
+    command = max((command for command in commands if f" -o {folder}/" in command["command"]),
                   key=lambda command: command["command"].count(" -D"))
     command["command"] = command["command"].replace(command["file"], str(joint))
     command["file"] = str(joint)
