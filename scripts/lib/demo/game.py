@@ -6,7 +6,7 @@ import zipfile
 
 from lib.checkout import BUILD
 
-UPDATER = BUILD / "windows-test" / "KVNUpdater.exe"
+UPDATER = BUILD / "windows-demo" / "KVNUpdater.exe"
 PUBLISHER = BUILD / "linux-release" / "kvn-release"
 INSTALLED_RELEASE = 41
 OFFERED_RELEASE = 42

@@ -8,7 +8,7 @@ from lib.checkout import BUILD
 from lib.demo.game import UPDATER
 from lib.demo.updates import WINE_RUN
 
-PROBE = BUILD / "windows-test" / "kvn_probe.exe"
+PROBE = BUILD / "windows-demo" / "kvn_probe.exe"
 STATUS_LIMIT_S = 60
 LOOK_INTERVAL_S = 0.02
 # The frame that Wine draws around a window, in pixels: left, right and bottom; and above, with the title.
