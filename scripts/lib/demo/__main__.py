@@ -3,6 +3,7 @@ import argparse
 import contextlib
 import os
 import pathlib
+import re
 import shutil
 import signal
 import subprocess
@@ -44,10 +45,17 @@ def build():
         raise SystemExit(1)
 
 
+def address():
+    """The channel's address, which the updater was built with."""
+    cache = (BUILD / "windows-demo" / "CMakeCache.txt").read_text()
+    return re.search(r"^KVN_DOWNLOAD_BASE_URL:[A-Z]*=(.*)$", cache, re.MULTILINE)[1]
+
+
 @contextlib.contextmanager
 def served(**environment):
     """Serves the channel over TLS, and makes this checkout's Wine trust it."""
-    subprocess.run([CHANNEL_SERVER, "start", CHANNEL, SERVER], env={**os.environ, **environment}, check=True)
+    subprocess.run([CHANNEL_SERVER, "start", CHANNEL, SERVER],
+                   env={**os.environ, "KVN_DOWNLOAD_BASE_URL": address(), **environment}, check=True)
     try:
         subprocess.run([WINE_RUN, window.PROBE, "trust", SERVER / "certificates" / "authority.der"],
                        stdout=subprocess.DEVNULL, check=True)
