@@ -14,13 +14,13 @@ constexpr std::string_view kTool = "C:/Windows/System32/tar.exe";
 class ArchiveToolRunTest : public CoreTest {
 protected:
     ArchiveToolRunTest() {
-        machine.files.putFile("C:/Work/a.zip", contentOf(packageOf({{.name = "a b", .content = "text"}})));
+        machine.files.putFile("C:/Test/a.zip", contentOf(packageOf({{.name = "a b", .content = "text"}})));
     }
 
     bool run() {
         error.clear();
         output = "earlier";
-        return runArchiveTool(std::filesystem::path(kTool), {L"-tf", L"C:/Work/a.zip"}, "C:/Work", output, error);
+        return runArchiveTool(std::filesystem::path(kTool), {L"-tf", L"C:/Test/a.zip"}, "C:/Test", output, error);
     }
 
     std::string output;
@@ -31,7 +31,7 @@ TEST_F(ArchiveToolRunTest, GivesWhatTheToolPrints) {
     EXPECT_EQ(output, kListing);
     EXPECT_EQ(error, L"");
     EXPECT_THAT(callsOf(Operation::startCaptured),
-                ElementsAre("\"C:/Windows/System32/tar.exe\" \"-tf\" \"C:/Work/a.zip\", C:/Work"));
+                ElementsAre("\"C:/Windows/System32/tar.exe\" \"-tf\" \"C:/Test/a.zip\", C:/Test"));
     EXPECT_THAT(callsOf(Operation::waitForEnd), ElementsAre("C:/Windows/System32/tar.exe, 4294967295 ms"));
     EXPECT_THAT(machine.openHandles(), ElementsAre());
 }
@@ -70,7 +70,7 @@ TEST_F(ArchiveToolRunTest, AToolWhoseOutputCannotBeReadToItsEndIsEnded) {
     std::vector<PackagedEntry> entries;
     for (int i = 0; i < 100; ++i)
         entries.push_back({.name = "file " + std::to_string(i)});
-    machine.files.putFile("C:/Work/a.zip", contentOf(packageOf(entries)));
+    machine.files.putFile("C:/Test/a.zip", contentOf(packageOf(entries)));
     harm(Operation::readBytes, {.error = 1117});
     EXPECT_FALSE(run());
     EXPECT_EQ(error, L"The Windows archive tool rejected the update package.");

@@ -15,12 +15,12 @@
 
 namespace vorthmere::update::simulation {
 
-/// A machine for one operation of the core, with an empty folder C:/Work.
+/// A machine for one operation of the core, with an empty folder C:/Test.
 class CoreTest : public ::testing::Test {
 protected:
     CoreTest() {
-        machine.files.putFolder("C:/Work");
-        machine.beginCaller("C:/Windows/System32/svchost.exe", "C:/Work");
+        machine.files.putFolder("C:/Test");
+        machine.beginCaller("C:/Windows/System32/svchost.exe", "C:/Test");
         plan({});
     }
 

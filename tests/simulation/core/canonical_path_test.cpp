@@ -28,13 +28,13 @@ TEST_F(CanonicalPathTest, ClimbsNoHigherThanAShare) {
 
 TEST_F(CanonicalPathTest, TheFirstFolderThatCannotBeOpenedForAnotherReasonEndsIt) {
     harm(Operation::openForItsName, {.error = 5}, 1);
-    EXPECT_EQ(canonical("C:/Work/none/at all"), "");
+    EXPECT_EQ(canonical("C:/Test/none/at all"), "");
     EXPECT_EQ(failure.value(), 5);
     harm(Operation::finalPath, {.error = 3});
-    EXPECT_EQ(canonical("C:/Work/none"), "");
+    EXPECT_EQ(canonical("C:/Test/none"), "");
     EXPECT_EQ(failure.value(), 3);
     harm(Operation::fullPath, {.error = 206});
-    EXPECT_EQ(canonical("C:/Work/none"), "");
+    EXPECT_EQ(canonical("C:/Test/none"), "");
     EXPECT_EQ(failure.value(), 206);
 }
 

@@ -23,7 +23,7 @@ protected:
         const auto progress = [this](std::uint64_t received, std::uint64_t whole) {
             reported.emplace_back(received, whole);
         };
-        return downloadHttpsFile(kAddress, "C:/Work/a", maxBytes, progress, error);
+        return downloadHttpsFile(kAddress, "C:/Test/a", maxBytes, progress, error);
     }
 
     Answer& given() {
@@ -37,10 +37,10 @@ TEST_F(DownloadsTest, ABodyMayBeAsLargeAsTheLimitAndNoLarger) {
     for (const bool tellsLength : {true, false}) {
         answer("https://host/a", std::string(20000, 'a'), tellsLength);
         EXPECT_TRUE(download(20000)) << tellsLength;
-        EXPECT_EQ(contentOfFile("C:/Work/a"), std::string(20000, 'a'));
+        EXPECT_EQ(contentOfFile("C:/Test/a"), std::string(20000, 'a'));
         EXPECT_FALSE(download(19999)) << tellsLength;
         EXPECT_EQ(error, tellsLength ? kTooLarge : kNotStored);
-        EXPECT_LT(contentOfFile("C:/Work/a").size(), 20000U) << tellsLength;
+        EXPECT_LT(contentOfFile("C:/Test/a").size(), 20000U) << tellsLength;
     }
 }
 
@@ -70,7 +70,7 @@ TEST_F(DownloadsTest, TheProgressTellsTheBytesSoFarAndTheAnnouncedLength) {
 
 TEST_F(DownloadsTest, NobodyNeedsToListen) {
     answer("https://host/a", "body");
-    EXPECT_TRUE(downloadHttpsFile(kAddress, "C:/Work/a", 4, {}, error));
+    EXPECT_TRUE(downloadHttpsFile(kAddress, "C:/Test/a", 4, {}, error));
 }
 
 TEST_F(DownloadsTest, NoMoreIsReadAtOnceThanTheBufferHolds) {
@@ -79,7 +79,7 @@ TEST_F(DownloadsTest, NoMoreIsReadAtOnceThanTheBufferHolds) {
     EXPECT_TRUE(download(100000));
     EXPECT_THAT(callsOf(Operation::readData),
                 ElementsAre("https://host/a, 65536 bytes", "https://host/a, 34464 bytes"));
-    EXPECT_EQ(contentOfFile("C:/Work/a"), std::string(100000, 'a'));
+    EXPECT_EQ(contentOfFile("C:/Test/a"), std::string(100000, 'a'));
 }
 
 TEST_F(DownloadsTest, ABodyOfAnotherLengthThanAnnouncedIsRefused) {

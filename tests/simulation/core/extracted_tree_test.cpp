@@ -11,29 +11,29 @@ class ExtractedTreeTest : public CoreTest {
 protected:
     bool inspect() {
         error.clear();
-        return inspectExtractedTree("C:/Work", files, error);
+        return inspectExtractedTree("C:/Test", files, error);
     }
 
     ExtractedFiles files{"earlier"};
 };
 
 TEST_F(ExtractedTreeTest, NamesTheFilesOfAnyFolderAndNothingFromBefore) {
-    machine.files.putFile("C:/Work/Folder/a", contentOf("a"));
-    machine.files.putFile("C:/Work/b", contentOf("b"));
-    machine.files.putFolder("C:/Work/empty");
+    machine.files.putFile("C:/Test/Folder/a", contentOf("a"));
+    machine.files.putFile("C:/Test/b", contentOf("b"));
+    machine.files.putFolder("C:/Test/empty");
     EXPECT_TRUE(inspect());
     EXPECT_THAT(files, ElementsAre("Folder/a", "b"));
     EXPECT_EQ(error, L"");
 }
 
 TEST_F(ExtractedTreeTest, RefusesAnUnsafeName) {
-    machine.files.putFile("C:/Work/a+b", contentOf("a"));
+    machine.files.putFile("C:/Test/a+b", contentOf("a"));
     EXPECT_FALSE(inspect());
     EXPECT_EQ(error, L"The extracted update contains an unsafe path.");
 }
 
 TEST_F(ExtractedTreeTest, WhatCannotBeAskedForEndsIt) {
-    machine.files.putFile("C:/Work/Folder/a", contentOf("a"));
+    machine.files.putFile("C:/Test/Folder/a", contentOf("a"));
     const std::pair<Operation, std::wstring> steps[] = {
         {Operation::listFolder, L"Unable to inspect the extracted update."},
         {Operation::entryFacts, L"Unable to inspect the extracted update."},
@@ -52,24 +52,24 @@ TEST_F(ExtractedTreeTest, WhatCannotBeAskedForEndsIt) {
 }
 
 TEST_F(ExtractedTreeTest, TheFirstEntryThatIsRefusedIsTheOneThatIsTold) {
-    const std::string unsupported = "C:/Work/c";
-    machine.files.putFile("C:/Work/b+b", contentOf("b"));
+    const std::string unsupported = "C:/Test/c";
+    machine.files.putFile("C:/Test/b+b", contentOf("b"));
     machine.files.putReparsePoint(unsupported, tag::junction, "C:/Windows", true);
     const Fault unknown{.error = 5, .always = true};
     plan({{{Operation::entryAttributes, unsupported}, unknown}});
     EXPECT_FALSE(inspect());
     EXPECT_EQ(error, L"The extracted update contains an unsafe path.");
 
-    machine.files.putReparsePoint("C:/Work/a", tag::junction, "C:/Windows", true);
-    plan({{{Operation::entryAttributes, "C:/Work/a"}, unknown}});
+    machine.files.putReparsePoint("C:/Test/a", tag::junction, "C:/Windows", true);
+    plan({{{Operation::entryAttributes, "C:/Test/a"}, unknown}});
     EXPECT_FALSE(inspect());
     EXPECT_EQ(error, L"The update archive contains an unsupported file type.");
 }
 
 TEST_F(ExtractedTreeTest, ALinkEndsTheWalkWithoutAFailure) {
-    machine.files.putFile("C:/Work/a", contentOf("a"));
-    machine.files.putReparsePoint("C:/Work/b", tag::junction, "C:/Windows", true);
-    machine.files.putFile("C:/Work/c", contentOf("c"));
+    machine.files.putFile("C:/Test/a", contentOf("a"));
+    machine.files.putReparsePoint("C:/Test/b", tag::junction, "C:/Windows", true);
+    machine.files.putFile("C:/Test/c", contentOf("c"));
     EXPECT_TRUE(inspect());
     EXPECT_THAT(files, ElementsAre("a"));
 }

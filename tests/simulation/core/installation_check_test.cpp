@@ -22,7 +22,7 @@ protected:
 };
 
 TEST_F(InstallationCheckTest, TheFolderIsNamedAsItIs) {
-    for (const std::string path : {"C:/Game", "c:/game/", "C:/Work/../Game", "C:/Link"}) {
+    for (const std::string path : {"C:/Game", "c:/game/", "C:/Test/../Game", "C:/Link"}) {
         EXPECT_TRUE(check(path)) << path;
         EXPECT_EQ(folder, "C:/Game") << path;
     }
@@ -38,8 +38,8 @@ TEST_F(InstallationCheckTest, AFolderThatIsAReparsePointOfAnyKindIsRefused) {
 }
 
 TEST_F(InstallationCheckTest, AFolderThatIsNoInstallationIsRefusedUnderItsOwnName) {
-    EXPECT_FALSE(check("c:/work"));
-    EXPECT_EQ(folder, "C:/Work");
+    EXPECT_FALSE(check("c:/test"));
+    EXPECT_EQ(folder, "C:/Test");
     EXPECT_FALSE(check("C:/Game/Vorthmere.exe"));
     EXPECT_FALSE(check(""));
     machine.files.erase("C:/Game/KVNUpdater.exe");
