@@ -60,24 +60,47 @@ long seekOutput(voidpf, voidpf stream, ZPOS64_T offset, int origin) {
     return 0;
 }
 
-/// The input of the library's calls.
+/// The input of the library's calls. The library reads some bytes at a time, so the block around them is kept.
 struct Input {
     InputFile& file;
     std::uint64_t size = 0;
     std::uint64_t position = 0;
+    std::uint64_t blockBegin = 0;
+    std::vector<char> block = {};
 };
 
 Input& inputOf(voidpf stream) {
     return *static_cast<Input*>(stream);
 }
 
+/// The bytes from the position on that are in memory; reads the next block when there are none. Empty at the file's end
+/// and after a failure.
+std::span<const char> bytesAhead(Input& input) {
+    constexpr std::size_t kInputBlockBytes = 4096;
+    if (input.position < input.blockBegin || input.position >= input.blockBegin + input.block.size()) {
+        std::size_t read = 0;
+        std::string unreadable;
+        input.block.resize(kInputBlockBytes);
+        if (!input.file.readAt(input.position, input.block, read, unreadable)) read = 0;
+        input.block.resize(read);
+        input.blockBegin = input.position;
+    }
+    return std::span<const char>(input.block).subspan(static_cast<std::size_t>(input.position - input.blockBegin));
+}
+
 uLong readInput(voidpf, voidpf stream, void* bytes, uLong count) {
     Input& input = inputOf(stream);
-    std::size_t read = 0;
-    std::string unreadable;
-    if (!input.file.readAt(input.position, {static_cast<char*>(bytes), count}, read, unreadable)) return 0;
-    input.position += read;
-    return static_cast<uLong>(read);
+    const std::span<char> wanted(static_cast<char*>(bytes), count);
+    std::size_t copied = 0;
+    while (copied < wanted.size()) {
+        const std::span<const char> ahead = bytesAhead(input);
+        if (ahead.empty()) break;
+        const std::size_t part = std::min(ahead.size(), wanted.size() - copied);
+        std::copy_n(ahead.begin(), part, wanted.begin() + static_cast<std::ptrdiff_t>(copied));
+        copied += part;
+        input.position += part;
+    }
+    return static_cast<uLong>(copied);
 }
 
 uLong writeInput(voidpf, voidpf, const void*, uLong) {
