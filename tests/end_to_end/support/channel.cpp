@@ -26,6 +26,16 @@ void runTool(const std::vector<std::string>& command, const ProcessOptions& opti
     if (end.exitCode != 0) throw std::runtime_error(command.front() + " failed");
 }
 
+/// Makes the Wine prefix trust the authority. When Wine's session is killed, the prefix may lose that again.
+void trustAuthority(const fs::path& certificate) {
+    const fs::path session = winePrefix() / "kelvane-session";
+    const fs::path mark = winePrefix() / "kelvane-authority";
+    const auto trusted = [&] { return readFile(session) + readFile(certificate); };
+    if (exists(mark) && exists(session) && readFile(mark) == trusted()) return;
+    runTool(wineCommand(probeProgram(), {"trust", windowsPath(certificate)}));
+    writeFile(mark, trusted());
+}
+
 /// Takes the first two and the last two fields of a line; nginx writes more fields between them.
 ChannelRequest parseRequest(const std::string& line) {
     std::vector<std::string> fields;
@@ -69,8 +79,7 @@ fs::path channelCertificates() {
         fs::remove_all(folder);
         runTool({kSources + "/scripts/channel-certificates", folder.string(), host});
     }
-    // Every time, because the prefix may have been made anew.
-    runTool(wineCommand(probeProgram(), {"trust", windowsPath(folder / "authority.der")}));
+    trustAuthority(folder / "authority.der");
     return folder;
 }
 

@@ -1,9 +1,11 @@
 #include "tests/end_to_end/support/scenario.h"
 
 #include <cstdlib>
+#include <sstream>
 #include <stdexcept>
 #include <system_error>
 
+#include "tests/end_to_end/support/digest.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/publisher.h"
 #include "tests/support/temporary_folder.h"
@@ -26,6 +28,45 @@ PublishedRelease aroundPackage(const fs::path& channelFolder, std::uint32_t rele
     published.inventory = published.package.string() + std::string(update::kInventorySuffix);
     published.manifest = channelFolder / update::kManifestName;
     published.manifestText = manifestOf(readFile(published.package), release);
+    return published;
+}
+
+void runPublisherFor(const fs::path& channelFolder, const ReleaseFiles& files, std::uint32_t release) {
+    const update::testing::TemporaryFolder game;
+    ReleaseFiles ownFiles = files;
+    ownFiles.erase(std::string(update::kReleaseMarkerName));
+    ownFiles.erase(std::string(update::kManagedFileListName));
+    layOut(ownFiles, game.path());
+    const ToolEnd end = runPublisher(buildArguments(release, game.path(), channelFolder));
+    if (end.exitCode != 0) throw std::runtime_error("kvn-release: " + end.output);
+
+    const PublishedRelease published = aroundPackage(channelFolder, release);
+    if (readFile(published.manifest) != renderManifest(published.manifestText) ||
+        readFile(published.inventory) != renderInventory(published.manifestText, files))
+        throw std::runtime_error("kvn-release has published other files than it was given");
+}
+
+/// Differs when the tool that publishes, the release's number or a file of it does.
+std::string publicationName(const ReleaseFiles& files, std::uint32_t release) {
+    std::ostringstream text;
+    text << publisherIsForWindows() << fs::last_write_time(publisherProgram()).time_since_epoch().count() << ' '
+         << release;
+    for (const auto& [path, file] : files)
+        text << '\n' << path << '\n' << file.content.size() << '\n' << file.content;
+    return sha256TextOf(text.str());
+}
+
+/// A channel folder with this release, which nobody may change. Most tests publish one of two releases, and publishing
+/// takes longer than copying. So each release is published once, and kept until the tests run again.
+fs::path publishedOnce(const ReleaseFiles& files, std::uint32_t release) {
+    fs::path published = fs::path(KVN_PUBLISHED_RELEASES) / publicationName(files, release);
+    if (exists(published)) return published;
+    fs::create_directories(published.parent_path());
+    const fs::path work = makeTemporaryFolder(published.parent_path());
+    runPublisherFor(work / "channel", files, release);
+    std::error_code otherTestWasFaster;
+    fs::rename(work / "channel", published, otherTestWasFaster);
+    fs::remove_all(work);
     return published;
 }
 
@@ -65,20 +106,10 @@ PublishedRelease publishPackage(const fs::path& channelFolder, const ReleaseFile
 }
 
 PublishedRelease publish(const fs::path& channelFolder, const ReleaseFiles& files, std::uint32_t release) {
-    const update::testing::TemporaryFolder game;
-    ReleaseFiles ownFiles = files;
-    ownFiles.erase(std::string(update::kReleaseMarkerName));
-    ownFiles.erase(std::string(update::kManagedFileListName));
-    layOut(ownFiles, game.path());
     fs::remove_all(channelFolder);
-    const ToolEnd end = runPublisher(buildArguments(release, game.path(), channelFolder));
-    if (end.exitCode != 0) throw std::runtime_error("kvn-release: " + end.output);
-
-    const PublishedRelease published = aroundPackage(channelFolder, release);
-    if (readFile(published.manifest) != renderManifest(published.manifestText) ||
-        readFile(published.inventory) != renderInventory(published.manifestText, files))
-        throw std::runtime_error("kvn-release has published other files than it was given");
-    return published;
+    fs::create_directories(channelFolder.parent_path());
+    fs::copy(publishedOnce(files, release), channelFolder, fs::copy_options::recursive);
+    return aroundPackage(channelFolder, release);
 }
 
 PublishedRelease publishByHand(const fs::path& channelFolder, const ReleaseFiles& files, std::uint32_t release) {

@@ -23,7 +23,8 @@ struct PublishedRelease {
     ManifestText manifestText;        ///< what the manifest says
 };
 
-/// Publishes a release with the publishing tool, in place of whatever the channel folder held.
+/// Publishes a release with the publishing tool, in place of whatever the channel folder held. A release that was
+/// published before in this run of the tests is copied.
 ///
 /// @param files with the metadata that withReleaseMetadata() adds
 [[nodiscard]] PublishedRelease publish(const std::filesystem::path& channelFolder, const ReleaseFiles& files,
