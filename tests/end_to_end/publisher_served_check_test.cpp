@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <array>
+
 #include "tests/end_to_end/support/channel.h"
 #include "tests/end_to_end/support/files.h"
 #include "tests/end_to_end/support/publisher_fixture.h"
@@ -12,6 +15,11 @@ namespace vorthmere::end_to_end {
 namespace {
 
 namespace fs = std::filesystem;
+
+// Threads change Wine's table of TLS handles without a lock. When two connections begin or end at the same moment, some
+// fail with one of these errors.
+constexpr std::array kMixedUpHandles{"(Windows error 2148074244)", "(Windows error 12157)"};
+constexpr int kMostStarts = 5;
 
 class ServedChannelCheckTest : public PublisherTest {
 protected:
@@ -37,7 +45,15 @@ protected:
         std::vector<std::string> arguments{"check", "--channel", channelUrl("")};
         if (!publisherIsForWindows()) arguments.insert(arguments.end(), {"--ca-file", authority_.string()});
         arguments.insert(arguments.end(), options.begin(), options.end());
-        return runPublisher(arguments);
+        ToolEnd end = runPublisher(arguments);
+        for (int starts = 1; starts < kMostStarts && isMixedUpByWine(end); ++starts)
+            end = runPublisher(arguments);
+        return end;
+    }
+
+    static bool isMixedUpByWine(const ToolEnd& end) {
+        const auto isIn = [&end](const char* fault) { return end.output.find(fault) != std::string::npos; };
+        return publisherIsForWindows() && std::any_of(kMixedUpHandles.begin(), kMixedUpHandles.end(), isIn);
     }
 
     const fs::path served_ = folder_ / "downloads";
