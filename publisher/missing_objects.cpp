@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "publisher/channel_file.h"
-#include "publisher/durable_files.h"
 #include "publisher/in_quotes.h"
 #include "publisher/parallel_work.h"
 #include "publisher/release_texts.h"
@@ -23,38 +22,6 @@ std::vector<const ReleaseFile*> distinctContents(const std::vector<ReleaseFile>&
     for (const auto& [sha256, file] : distinct)
         contents.push_back(file);
     return contents;
-}
-
-/// Compares an object with the file that it was made from, which is known to have the digest in the object's name. That
-/// is quicker than another digest.
-///
-/// @return false with a sentence when the file cannot be read
-bool compareObject(const std::filesystem::path& path, const ReleaseFile& file, const BytesDone& done,
-                   ChannelFile& found, std::string& error) {
-    using State = ChannelFile::State;
-    found = lookAtFile(path);
-    if (found.isRight() && found.size != file.entry.size) found.state = State::wrongSize;
-    if (!found.isRight()) return true;
-    InputFile object;
-    std::uint64_t position = 0;
-    std::vector<char> block;
-    const ContentSink compare = [&](std::span<const char> bytes) {
-        std::size_t count = 0;
-        block.resize(bytes.size());
-        if (!object.readAt(position, block, count, found.reason))
-            found.state = State::unreadable;
-        else if (!std::equal(bytes.begin(), bytes.end(), block.begin(),
-                             block.begin() + static_cast<std::ptrdiff_t>(count)))
-            found.state = State::corrupt;
-        position += count;
-        done(count);
-        return found.isRight();
-    };
-    if (!object.open(path, found.reason)) {
-        found.state = State::unreadable;
-        return true;
-    }
-    return readContent(file, compare, error) || !found.isRight();
 }
 
 }  // namespace
@@ -75,10 +42,8 @@ bool findMissingObjects(const std::vector<ReleaseFile>& files, const std::filesy
         [&](std::size_t index, std::string& fault) {
             const ReleaseFile& file = *contents[index];
             const std::filesystem::path path = channel / objectName(file.entry.sha256);
-            ChannelFile object;
-            if (!compareObject(
-                    path, file, [&console](std::uint64_t count) { console.advance(count); }, object, fault))
-                return false;
+            const ChannelFile object = compareFile(path, file.entry.size, file.entry.sha256,
+                                                   [&console](std::uint64_t count) { console.advance(count); });
             if (object.isInTheWay()) fault = inQuotes(path) + " is in the way: it is not a regular file.";
             if (object.isInTheWay() || object.isRight()) return fault.empty();
             const std::lock_guard lock(found);
